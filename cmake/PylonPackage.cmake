@@ -1,0 +1,46 @@
+# Install rules, the CMake package, the pkg-config file and the Debian packages.
+
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/PylonSDKUtil)
+
+install(TARGETS pylonsdk-util EXPORT PylonSDKUtilTargets
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(EXPORT PylonSDKUtilTargets NAMESPACE PylonSDK:: DESTINATION ${package_dir}
+  COMPONENT development)
+
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/PylonSDKUtilConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/PylonSDKUtilConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/PylonSDKUtilConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES
+  ${PROJECT_BINARY_DIR}/PylonSDKUtilConfig.cmake
+  ${PROJECT_BINARY_DIR}/PylonSDKUtilConfigVersion.cmake
+  DESTINATION ${package_dir} COMPONENT development)
+
+configure_file(${CMAKE_CURRENT_LIST_DIR}/pylonsdk-util.pc.in
+  ${PROJECT_BINARY_DIR}/pylonsdk-util.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/pylonsdk-util.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+if(PROJECT_IS_TOP_LEVEL)
+  set(CPACK_GENERATOR DEB)
+  set(CPACK_PACKAGE_CONTACT "PylonSDK developers <pylonsdk@localhost>")
+  set(CPACK_PACKAGE_VENDOR "PylonSDK")
+  set(CPACK_COMPONENTS_ALL runtime development tools)
+  set(CPACK_DEB_COMPONENT_INSTALL ON)
+  set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+  set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libpylonsdk-util6)
+  set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libpylonsdk-util-dev)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME pylonsdk-util-tools)
+  set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
+  set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
+  set(CPACK_COMPONENT_TOOLS_DEPENDS runtime)
+  set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "qt6-base-dev (>= 6.4), libssl-dev (>= 3)")
+  include(CPack)
+endif()

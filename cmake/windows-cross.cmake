@@ -1,0 +1,30 @@
+# 64-bit Windows with Debian's mingw-w64 (posix threads). The folder named by PYLON_WINDOWS_SYSROOT
+# (environment or cache) holds the Windows builds of Qt and OpenSSL.
+
+if(NOT PYLON_WINDOWS_SYSROOT)
+  set(PYLON_WINDOWS_SYSROOT "$ENV{PYLON_WINDOWS_SYSROOT}")
+endif()
+if(NOT IS_DIRECTORY "${PYLON_WINDOWS_SYSROOT}")
+  message(FATAL_ERROR "PYLON_WINDOWS_SYSROOT must name the folder with the Windows builds of Qt and OpenSSL")
+endif()
+set(PYLON_WINDOWS_SYSROOT "${PYLON_WINDOWS_SYSROOT}" CACHE PATH "Windows builds of Qt and OpenSSL")
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES PYLON_WINDOWS_SYSROOT)
+
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
+set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
+set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
+
+set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32 ${PYLON_WINDOWS_SYSROOT})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+
+# moc runs on the build machine.
+set(QT_HOST_PATH /usr CACHE PATH "")
+set(QT_HOST_PATH_CMAKE_DIR /usr/lib/x86_64-linux-gnu/cmake CACHE PATH "")
+set(OPENSSL_ROOT_DIR ${PYLON_WINDOWS_SYSROOT} CACHE PATH "")
+
+set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../scripts/run-windows-program)

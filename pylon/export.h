@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QtCore/qglobal.h>
+
+/// @file
+/// Symbol visibility of the shared library. Only what carries @c PYLON_EXPORT can be linked
+/// against.
+
+#ifdef PYLON_BUILD_LIBRARY
+#define PYLON_EXPORT Q_DECL_EXPORT
+#else
+#define PYLON_EXPORT Q_DECL_IMPORT
+#endif

@@ -1,0 +1,6 @@
+#pragma once
+
+/// @file
+/// Every public header of the library.
+
+#include <pylon/export.h>
