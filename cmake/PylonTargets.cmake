@@ -37,11 +37,12 @@ function(pylon_configure_target target)
   endif()
 endfunction()
 
-# pylon_sources(FILES… HEADERS…): adds the sources and public headers of one subsystem to the library.
+# pylon_sources(SOURCES … HEADERS …): adds the sources and public headers of one subsystem to the
+# library. Headers are sources too, or moc would pass them over.
 function(pylon_sources)
   cmake_parse_arguments(arg "" "" "SOURCES;HEADERS" ${ARGN})
   target_sources(pylonsdk-util
-    PRIVATE ${arg_SOURCES}
+    PRIVATE ${arg_SOURCES} ${arg_HEADERS}
     PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${arg_HEADERS})
 endfunction()
 

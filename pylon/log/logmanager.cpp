@@ -1,0 +1,213 @@
+#include <pylon/log/logfilter.h>
+#include <pylon/log/logmanager.h>
+
+#include <QtCore/QDateTime>
+#include <QtCore/QDir>
+#include <QtCore/QStandardPaths>
+
+#include <cstdlib>
+
+namespace pylon {
+
+QString logDir() {
+    const QString home = QStandardPaths::writableLocation(QStandardPaths::HomeLocation);
+    return home.isEmpty() ? QDir::homePath() : home;
+}
+
+namespace plog {
+
+/// The start-up record.
+struct PylonSDKInfo {
+    QDateTime startTime = QDateTime::currentDateTime();
+    QString headerText;
+    QString version = QStringLiteral(PYLON_VERSION_TEXT);
+    bool headerBuilt = false;
+};
+
+LogManager* LogManager::instance_ = nullptr;
+PylonSDKInfo* LogManager::log_info_instance_ = nullptr;
+
+namespace {
+
+constexpr unsigned int initialLevels = Info | Warn | Error;
+// Bits 0 to 7 of a sub-module mask are not sub-modules and keep their value.
+constexpr unsigned int notSubModules = 0xFF;
+constexpr unsigned int allSubModules = ~notSubModules;
+
+}  // namespace
+
+LogManager* LogManager::instance() {
+    if (!instance_) {
+        std::atexit(destroyInstance);
+        instance_ = new LogManager;
+        log_info_instance_ = new PylonSDKInfo;
+    }
+    return instance_;
+}
+
+LogManager::LogManager() : levelMask_(initialLevels) {
+    setInfoDebugFlags();
+    registerModules();
+    filter_ = new LogFilter(modules_);
+}
+
+LogManager::~LogManager() {
+    delete filter_;
+}
+
+void LogManager::destroyInstance() {
+    delete instance_;
+    instance_ = nullptr;
+    delete log_info_instance_;
+    log_info_instance_ = nullptr;
+}
+
+void LogManager::log(const LogItem& item) {
+    // The walks hold a list of their own: a device may change ours from inside write().
+    if (hasRawDevices_) {
+        const QList<QSharedPointer<LogDevice>> devices = rawDevicesList_;
+        for (const QSharedPointer<LogDevice>& device : devices)
+            device->write(item);
+    }
+    if (!isEnabled(item))
+        return;
+    const QList<QSharedPointer<LogDevice>> devices = logDevicesList_;
+    for (const QSharedPointer<LogDevice>& device : devices)
+        device->write(item);
+}
+
+bool LogManager::isEnabled(const LogItem& item) const {
+    return (item.logLevel() & levelMask_) != 0 && (item.module() & enabledModules_) != 0 &&
+           (item.submods() & enabledSubmodules(item.module())) != 0;
+}
+
+void LogManager::setLogLevel(unsigned int mask) {
+    levelMask_ = mask;
+    setInfoDebugFlags();
+}
+
+void LogManager::addLogLevel(LogLevel level) {
+    setLogLevel(levelMask_ | level);
+}
+
+void LogManager::removeLogLevel(LogLevel level) {
+    setLogLevel(levelMask_ & ~level);
+}
+
+void LogManager::setInfoDebugFlags() {
+    LG_trace_enabled = (levelMask_ & Trace) != 0;
+    LG_debug_enabled = (levelMask_ & Debug) != 0;
+    LG_info_enabled = (levelMask_ & Info) != 0;
+    LG_timing_enabled = (levelMask_ & Timing) != 0;
+    LG_startup_enabled = (levelMask_ & Startup) != 0;
+    LG_graphics_enabled = (levelMask_ & Graphics) != 0;
+}
+
+unsigned int LogManager::enabledSubmodules(Module module) const {
+    const auto found = enabledSubmodules_.find(module);
+    return found == enabledSubmodules_.end() ? 0 : found->second;
+}
+
+void LogManager::addLogDevice(const QSharedPointer<LogDevice>& device) {
+    if (!device || logDevicesList_.contains(device))
+        return;
+    logDevicesList_.append(device);
+    writeLogStartupHeader(device);
+}
+
+void LogManager::removeLogDevice(const QSharedPointer<LogDevice>& device) {
+    logDevicesList_.removeAll(device);
+}
+
+void LogManager::clearLogDevices() {
+    logDevicesList_.clear();
+}
+
+void LogManager::addRawDevice(const QSharedPointer<LogDevice>& device) {
+    if (!device)
+        return;
+    rawDevicesList_.append(device);
+    hasRawDevices_ = true;
+}
+
+void LogManager::removeRawDevice(const QSharedPointer<LogDevice>& device) {
+    rawDevicesList_.removeAll(device);
+    hasRawDevices_ = !rawDevicesList_.isEmpty();
+}
+
+void LogManager::clearRawDevices() {
+    rawDevicesList_.clear();
+    hasRawDevices_ = false;
+}
+
+QList<QSharedPointer<LogDevice>> LogManager::logDevices(LogDevice::DeviceType type) const {
+    QList<QSharedPointer<LogDevice>> result;
+    for (const QSharedPointer<LogDevice>& device : logDevicesList_) {
+        if (device->type() == type)
+            result.append(device);
+    }
+    return result;
+}
+
+bool LogManager::setFilter(const QString& filter, QString* error) {
+    const QList<LogFilterItem> items = filter_->parseFilterString(filter, nullptr);
+    if (!filter_->isValid(items, error))
+        return false;
+    unsetAll();
+    for (const LogFilterItem& item : items) {
+        enabledModules_ |= item.module();
+        enabledSubmodules(item.module()) |= item.subModules();
+    }
+    return true;
+}
+
+void LogManager::resetFilter() {
+    enabledModules_ = 0;
+    for (auto entry = modules_.cbegin(); entry != modules_.cend(); ++entry) {
+        enabledModules_ |= entry.key();
+        enabledSubmodules(entry.key()) |= allSubModules;
+    }
+}
+
+void LogManager::unsetAll() {
+    enabledModules_ = 0;
+    for (auto entry = modules_.cbegin(); entry != modules_.cend(); ++entry)
+        enabledSubmodules(entry.key()) &= notSubModules;
+}
+
+QString LogManager::logStartupHeader() {
+    PylonSDKInfo& info = *log_info_instance_;
+    if (!info.headerBuilt) {
+        info.headerText =
+            QStringLiteral(
+                "\n######################## PylonSDK {%1} Started on %2 at %3 "
+                "#####################")
+                .arg(info.version, info.startTime.toString(QStringLiteral("ddd MMMM d yyyy")),
+                     info.startTime.toString(QStringLiteral("hh:mm:ss.zzz")));
+        info.headerBuilt = !info.headerText.isEmpty();
+    }
+    return info.headerText;
+}
+
+QString LogManager::logShutdownHeader() {
+    return QStringLiteral(
+               "################################## PylonSDK {%1} Shutdown at %2 "
+               "###############################")
+        .arg(QStringLiteral(PYLON_VERSION_TEXT),
+             QDateTime::currentDateTime().toString(QStringLiteral("hh:mm:ss.zzz")));
+}
+
+void LogManager::writeLogStartupHeader(const QSharedPointer<LogDevice>& device) {
+    if (device)
+        device->write(LogItem(logStartupHeader()));
+}
+
+void LogManager::writeLogStartupHeader() {
+    const LogItem banner(logStartupHeader());
+    const QList<QSharedPointer<LogDevice>> devices = logDevicesList_;
+    for (const QSharedPointer<LogDevice>& device : devices)
+        device->write(banner);
+}
+
+}  // namespace plog
+}  // namespace pylon
