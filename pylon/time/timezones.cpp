@@ -24,7 +24,6 @@ struct CatalogueRow {
 // Abbreviation, its index, quarter hours east of UTC, full name, continent. The order decides
 // between rows of the same abbreviation. Repeated rows and odd spellings are what peers know and
 // must stay.
-// clang-format off
 constexpr CatalogueRow catalogue[] = {
     {"UTC", 0, 0, "Universal Time Coordinate", ""},
     {"GMT", 1, 0, "Greenwich Mean Time", "Europe"},
@@ -148,7 +147,6 @@ constexpr CatalogueRow catalogue[] = {
     {"WST", 111, 4, "Western Sahara Summer Time", "Africa"},
     {"WST", 111, 52, "West Samoa Time", "Pacific"},
 };
-// clang-format on
 static_assert(std::size(catalogue) == 121);
 
 }  // namespace
