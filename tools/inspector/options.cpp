@@ -1,0 +1,175 @@
+#include "options.h"
+
+#include <QtCore/qcommandlineparser.h>
+#include <pylon/log/loglevel.h>
+
+#include "text.h"
+
+namespace pylon::inspector {
+
+namespace {
+
+constexpr char help[] = R"(Usage: pylon-inspect [options] FILE...
+
+Shows what is inside recordings of network frames: a line a frame, then a summary
+of each camera and track. The FILE "-" is standard input.
+
+Output:
+  --json             a JSON object a line for each frame, and nothing else
+  --summary          only the summaries
+  --zone ZONE        times of table and summary in ZONE, not in each frame's own zone.
+                     ZONE is an abbreviation, or with the beginning of the full name
+                     where several zones share one: CET, "CST:China"
+  --zones            list the known time zones and exit
+
+Selection, each may be given more than once:
+  --camera N         only frames of camera N
+  --type C           only frames of type C, such as V (video) or a (audio)
+
+Log, on standard error; silent unless one of these is given:
+  --verbose          what is being done, in detail: adds the level DEBUG
+  --log-level LIST   these levels instead of INFO, WARN and ERROR, for example
+                     trace,info; TRACE has a line a frame, "all" means every level
+  --log-filter TEXT  only these modules and sub-modules, for example "Playback{Stream}".
+                     This program logs to the module Playback: lines about frames to
+                     its sub-module Stream, others without one. A filter enables no
+                     lines without sub-module.
+
+Other:
+  -h, --help         show this text and exit
+  --version          show the version and exit
+
+Marks in the table: "hidden", "dewarped", "encrypted", "new-key" (the sender asks for
+a new key), "audio:N" (sound belonging to the picture comes from camera N), and
+"marks:" with the marks of a frame if there are others than the one for hidden.
+
+The environment variable NO_COLOR switches colours off.
+
+Exit status: 0 everything was read; 1 a file is damaged or cannot be read, or output
+failed; 2 the command line is wrong.
+)";
+
+constexpr const char* flags[] = {"help", "h", "version", "json", "summary", "zones", "verbose"};
+constexpr const char* valueOptions[] = {"zone", "camera", "type", "log-level", "log-filter"};
+
+void addOptions(QCommandLineParser& parser) {
+    for (const char* name : flags)
+        parser.addOption(QCommandLineOption(QString::fromLatin1(name)));
+    for (const char* name : valueOptions)
+        parser.addOption(
+            QCommandLineOption(QString::fromLatin1(name), {}, QStringLiteral("value")));
+}
+
+// Each step takes over one group of options and leaves a message in error_ where it cannot.
+class Reader {
+public:
+    Reader(const QCommandLineParser& parser, QString* error) : parser_(parser), error_(*error) {}
+
+    std::optional<Options> read() {
+        if (isSet("help") || isSet("h"))
+            return only(Options::Action::ShowHelp);
+        if (isSet("version"))
+            return only(Options::Action::ShowVersion);
+        if (isSet("zones"))
+            return only(Options::Action::ListZones);
+        if (!readFormat() || !readZone() || !readCameras() || !readTypes() || !readLog() ||
+            !readFiles())
+            return {};
+        return options_;
+    }
+
+private:
+    bool isSet(const char* name) const { return parser_.isSet(QString::fromLatin1(name)); }
+    QString value(const char* name) const { return parser_.value(QString::fromLatin1(name)); }
+    QStringList values(const char* name) const { return parser_.values(QString::fromLatin1(name)); }
+
+    Options only(Options::Action action) {
+        options_.action = action;
+        return options_;
+    }
+
+    bool refuse(const QString& reason) {
+        error_ = reason;
+        return false;
+    }
+
+    bool readFormat() {
+        if (isSet("json") && isSet("summary"))
+            return refuse(QStringLiteral("--json and --summary exclude each other"));
+        if (isSet("json"))
+            options_.format = Options::Format::Json;
+        if (isSet("summary"))
+            options_.format = Options::Format::Summary;
+        return true;
+    }
+
+    bool readZone() {
+        if (isSet("zone"))
+            options_.zone = findZone(value("zone"), &error_);
+        return options_.zone || !isSet("zone");
+    }
+
+    bool readCameras() {
+        for (const QString& text : values("camera")) {
+            bool ok = false;
+            options_.cameras += text.toUShort(&ok);
+            if (!ok)
+                return refuse(QStringLiteral("--camera needs a number from 0 to 65535, not \"%1\"")
+                                  .arg(printable(text)));
+        }
+        return true;
+    }
+
+    bool readTypes() {
+        for (const QString& text : values("type")) {
+            if (text.size() != 1 || text[0].unicode() > 0xFF)
+                return refuse(
+                    QStringLiteral("--type needs one character, not \"%1\"").arg(printable(text)));
+            options_.types += static_cast<quint8>(text[0].unicode());
+        }
+        return true;
+    }
+
+    bool readLog() {
+        LogOptions& log = options_.log;
+        log.enabled = isSet("verbose") || isSet("log-level") || isSet("log-filter");
+        if (isSet("log-level")) {
+            const auto levels = parseLogLevels(value("log-level"), &error_);
+            if (!levels)
+                return false;
+            log.levels = *levels;
+        }
+        if (isSet("verbose"))
+            log.levels |= plog::Debug;
+        if (isSet("log-filter"))
+            log.filter = value("log-filter");
+        return true;
+    }
+
+    bool readFiles() {
+        options_.files = parser_.positionalArguments();
+        return !options_.files.isEmpty() || refuse(QStringLiteral("no file given"));
+    }
+
+    const QCommandLineParser& parser_;
+    QString& error_;
+    Options options_;
+};
+
+}  // namespace
+
+std::optional<Options> parseOptions(const QStringList& arguments, QString* error) {
+    QCommandLineParser parser;
+    addOptions(parser);
+    if (!parser.parse(arguments)) {
+        *error = printable(parser.errorText());
+        return {};
+    }
+    return Reader(parser, error).read();
+}
+
+QByteArray helpText() {
+    return help;
+}
+
+}  // namespace pylon::inspector
