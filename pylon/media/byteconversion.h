@@ -1,7 +1,8 @@
 #pragma once
 
-#include <QtCore/qglobal.h>
 #include <pylon/export.h>
+
+#include <QtCore/QtGlobal>
 
 #include <cstddef>
 #include <optional>

@@ -1,13 +1,14 @@
 #pragma once
 
-#include <QtCore/qbytearray.h>
-#include <QtCore/qdatetime.h>
-#include <QtCore/qmetatype.h>
-#include <QtCore/qstring.h>
-#include <QtCore/qtimezone.h>
 #include <pylon/export.h>
 #include <pylon/media/imageheaderbase.h>
 #include <pylon/time/timezone.h>
+
+#include <QtCore/QByteArray>
+#include <QtCore/QDateTime>
+#include <QtCore/QMetaType>
+#include <QtCore/QString>
+#include <QtCore/QTimeZone>
 
 #include <memory>
 #include <string>

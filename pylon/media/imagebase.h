@@ -1,9 +1,10 @@
 #pragma once
 
-#include <QtCore/qbytearray.h>
 #include <pylon/export.h>
 #include <pylon/media/image.h>
 #include <pylon/media/imageheaderbase.h>
+
+#include <QtCore/QByteArray>
 
 namespace pylon {
 
@@ -40,6 +41,9 @@ public:
     QByteArray payload;
     /// Result of checking the origin of the frame.
     Image::AuthenticationState authenticationState = Image::AuthenticationUnknown;
+
+private:
+    void take(const QByteArray& frame);
 };
 
 }  // namespace pylon

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <QtCore/qmetatype.h>
-#include <QtCore/qsharedpointer.h>
 #include <pylon/export.h>
 #include <pylon/media/imageheaderbase.h>
+
+#include <QtCore/QMetaType>
+#include <QtCore/QSharedPointer>
 
 namespace pylon {
 

@@ -1,10 +1,11 @@
 #pragma once
 
-#include <QtCore/qbytearray.h>
-#include <QtCore/qlist.h>
 #include <pylon/export.h>
 #include <pylon/time/nanoelapsedtimer.h>
 #include <pylon/time/timezoneabbrevation.h>
+
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
 
 namespace pylon {
 
@@ -110,6 +111,10 @@ public:
     NanoElapsedTimer loadTimer;
     /// The slots, indexed by ImageHeaderExtension: always #imageHeaderExtensionCount entries.
     QList<QByteArray> extensions = QList<QByteArray>(imageHeaderExtensionCount);
+
+protected:
+    /// As loadFromData(), for @p data that is not a member of this object.
+    void parse(const QByteArray& data);
 };
 
 }  // namespace pylon

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <QtCore/qbytearrayview.h>
-#include <QtCore/qglobal.h>
 #include <pylon/export.h>
 #include <pylon/media/imageheaderbase.h>
+
+#include <QtCore/QByteArrayView>
+#include <QtCore/QtGlobal>
 
 #include <memory>
 
@@ -27,6 +28,7 @@ public:
 
     /// Parses the header at the start of @p data into @p header, and sets its headerSize to the
     /// offset of the payload. Fields that are not on the wire stay as they are.
+    /// @p data must not be one of the slots of @p header.
     /// @throws std::runtime_error with a text naming the reason.
     virtual void parseHeader(const QByteArray& data, ImageHeaderBase& header) const = 0;
 

@@ -39,6 +39,11 @@ public:
     /// Longest frame the size field can express, in bytes.
     static constexpr quint32 maxTotalSize = 0x3FFFFFF;
 
+    /// Whether the marker bits of @p firstWord, the first four bytes of a frame, are those of V4.
+    static constexpr bool hasMarker(quint32 firstWord) noexcept {
+        return (firstWord & ~maxTotalSize) == marker;
+    }
+
     LyraImageHeaderParserV4() = default;
     ~LyraImageHeaderParserV4() override;
 
@@ -63,6 +68,9 @@ public:
 
     /// @throws std::runtime_error "Extension field is too large".
     void updateTotalSize(ImageHeaderBase& header) const override;
+
+private:
+    static constexpr quint32 marker = 0x80000000;
 };
 
 }  // namespace pylon
