@@ -67,6 +67,8 @@ protected:
     explicit LogClientBase(Module module);
     ~LogClientBase() = default;
 
+    unsigned int enabledModules() const { return *enabledModules_; }
+
 private:
     QByteArray currentTag() const;
 
@@ -85,6 +87,10 @@ template <unsigned int N>
 class LogClient : public LogClientBase {
 public:
     LogClient() : LogClientBase(static_cast<Module>(N)) {}
+
+    using LogClientBase::isEnabled;
+    /// As LogClientBase::isEnabled(), with the module known to the compiler.
+    bool isEnabled() const { return (enabledModules() & N) != 0; }
 };
 
 /// The client of module PylonSDK, for code that has none of its own.

@@ -76,11 +76,12 @@ QByteArray& LogItem::toCString() const {
         return bytesCache_;
     char prefix[prefixSize];
     const int length = writePrefix(prefix, prefixSize, Form::Bytes);
-    bytesCache_.reserve(qsizetype(bytesArrow.size()) + length + message_.size());
-    bytesCache_.append(prefix, length);
-    if (module_ == Test)
-        bytesCache_.append(bytesArrow.data(), qsizetype(bytesArrow.size()));
-    bytesCache_.append(message_);
+    const std::string_view arrow = module_ == Test ? bytesArrow : std::string_view();
+    QByteArray line(length + qsizetype(arrow.size()) + message_.size(), Qt::Uninitialized);
+    char* end = std::copy_n(prefix, length, line.data());
+    end = std::copy_n(arrow.data(), arrow.size(), end);
+    std::copy_n(message_.constData(), message_.size(), end);
+    bytesCache_ = std::move(line);
     return bytesCache_;
 }
 
@@ -92,9 +93,9 @@ int LogItem::writePrefix(char* buffer, int size, Form form) const {
     line.put("[");
     line.put({time, static_cast<std::size_t>(std::max(timeLength, 0))});
     line.put("][");
-    line.right(logLevelShortName(level_), levelWidth);
+    line.right<levelWidth>(logLevelShortName(level_));
     line.put("][");
-    line.right(shownText(moduleName_, line.room()), moduleWidth);
+    line.right<moduleWidth>(shownText(moduleName_, line.room()));
     line.put("][P:");
     line.hex<4>(getShortProcessId());
     line.put("][T:");
@@ -108,10 +109,10 @@ int LogItem::writePrefix(char* buffer, int size, Form form) const {
         line.fill(noContextWidth);
     } else {
         line.put("[");
-        line.right(shownText(context_.constData(), contextWidth), contextWidth);
+        line.right<contextWidth>(shownText(context_.constData(), contextWidth));
         line.put("] ");
     }
-    line.leftCut(shownText(function(), functionWidth), functionWidth);
+    line.leftCut<functionWidth>(shownText(function(), functionWidth));
     line.put(": ");
     return static_cast<int>(line.length());
 }

@@ -73,7 +73,7 @@ void submit(LogClientBase& client, LogLevel level, const Origin& origin, Number 
     do {                                                                                          \
         if (!(levelEnabled))                                                                      \
             break;                                                                                \
-        ::pylon::plog::LogClientBase& pylonLogClient = (client);                                  \
+        auto& pylonLogClient = (client);                                                          \
         if (!pylonLogClient.isEnabled())                                                          \
             break;                                                                                \
         if (false)                                                                                \

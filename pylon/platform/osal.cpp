@@ -1,9 +1,12 @@
 #include <pylon/platform/osal.h>
 
-#include <cerrno>
 #include <cstring>
 
 namespace osal {
+
+QString getenv(const QString& name) {
+    return qEnvironmentVariable(name.toLocal8Bit().constData());
+}
 
 void strcpy(char* destination, int destinationSize, const char* source) {
     if (!destination || destinationSize <= 0)

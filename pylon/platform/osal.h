@@ -20,7 +20,7 @@ namespace osal {
 /// @return 0, or the runtime's error number (@c errno value).
 PYLON_EXPORT int fopen(FILE** file, const QString& path, const QString& mode);
 
-/// Value of an environment variable, read as UTF-8; empty when it is not set.
+/// Value of an environment variable; empty when it is not set.
 /// Not safe while another thread changes the environment.
 PYLON_EXPORT QString getenv(const QString& name);
 

@@ -4,7 +4,6 @@
 #include <sys/wait.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 
 namespace osal {
@@ -14,10 +13,6 @@ int fopen(FILE** file, const QString& path, const QString& mode) {
         return EINVAL;
     *file = std::fopen(QFile::encodeName(path).constData(), mode.toLatin1().constData());
     return *file ? 0 : errno;
-}
-
-QString getenv(const QString& name) {
-    return QString::fromUtf8(std::getenv(name.toUtf8().constData()));
 }
 
 FILE* popen(const char* command, const char* mode) {

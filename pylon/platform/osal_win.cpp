@@ -1,10 +1,8 @@
 #include <pylon/platform/osal.h>
 #include <QtCore/QProcess>
 
-#include <stdlib.h>
-
 #include <cerrno>
-#include <cstring>
+#include <cstdlib>
 #include <cwchar>
 
 namespace osal {
@@ -43,22 +41,12 @@ int fopen(FILE** file, const QString& path, const QString& mode) {
     return _wfopen_s(file, wide(path), wide(mode));
 }
 
-QString getenv(const QString& name) {
-    char* value = nullptr;
-    std::size_t size = 0;
-    if (_dupenv_s(&value, &size, name.toUtf8().constData()) != 0)
-        return {};
-    const QString result = QString::fromUtf8(value);
-    std::free(value);
-    return result;
-}
-
 FILE* popen(const char* command, const char* mode) {
-    return command && mode ? _popen(command, mode) : nullptr;
+    return command && mode ? ::_popen(command, mode) : nullptr;
 }
 
 int pclose(FILE* stream) {
-    return stream ? _pclose(stream) : -1;
+    return stream ? ::_pclose(stream) : -1;
 }
 
 int strerror(char* buffer, std::size_t bufferSize, int errorNumber) {

@@ -17,17 +17,15 @@ QMutex Timestamp::mutex_;
 
 namespace {
 
-using namespace std::string_view_literals;
-
-// strftime turns the doubled percent sign into the conversion that stands for the microseconds.
-constexpr const char* secondFormat = "%H:%M:%S.%%06u";
-constexpr std::string_view microsecondConversion = "%06u"sv;
+constexpr std::string_view microsecondConversion = "%06u";
 constexpr std::size_t microsecondDigits = 6;
+constexpr std::size_t maxNumberDigits = std::numeric_limits<unsigned>::digits10 + 1;
 
-/// The text of one second with the place where the microseconds go.
+/// The text of one second, up to the place where the microseconds go.
 struct SecondText {
     char text[Timestamp::FMTBUF_SIZE];
     std::size_t length = 0;
+    bool takesMicroseconds = true;
 };
 
 /// Version of the cache: odd while a thread is storing a second.
@@ -55,13 +53,15 @@ bool loadCached(long long seconds, SecondText& result) {
     if (before % 2 != 0 || cachedSeconds().load(std::memory_order_acquire) != low32(seconds))
         return false;
     std::size_t length = 0;
+    char c = '\0';
     for (; length < sizeof result.text; ++length) {
-        const char c = cachedChar(length).load(std::memory_order_acquire);
-        if (c == '\0')
+        c = cachedChar(length).load(std::memory_order_acquire);
+        if (c == '\0' || c == microsecondConversion[0])
             break;
         result.text[length] = c;
     }
     result.length = length;
+    result.takesMicroseconds = c == microsecondConversion[0];
     return cacheVersion.load(std::memory_order_relaxed) == before;
 }
 
@@ -71,9 +71,12 @@ void storeCached(long long seconds, const SecondText& second) {
     if (version % 2 != 0 ||
         !cacheVersion.compare_exchange_strong(version, version + 1, std::memory_order_acquire))
         return;
-    for (std::size_t i = 0; i < second.length; ++i)
+    std::size_t i = 0;
+    for (; i < second.length; ++i)
         cachedChar(i).store(second.text[i], std::memory_order_release);
-    cachedChar(second.length).store('\0', std::memory_order_release);
+    for (const char c : microsecondConversion)
+        cachedChar(i++).store(c, std::memory_order_release);
+    cachedChar(i).store('\0', std::memory_order_release);
     cachedSeconds().store(low32(seconds), std::memory_order_release);
     cacheVersion.store(version + 2, std::memory_order_release);
 }
@@ -82,31 +85,18 @@ bool convertSecond(long long seconds, SecondText& result) {
     std::tm calendar{};
     if (!platform::localTime(seconds, calendar))
         return false;
-    result.length = std::strftime(result.text, sizeof result.text, secondFormat, &calendar);
+    result.length = std::strftime(result.text, sizeof result.text, "%H:%M:%S.", &calendar);
     return result.length > 0;
 }
 
+/// As "%06u".
 char* appendMicroseconds(char* out, int microseconds) {
-    char digits[std::numeric_limits<unsigned>::digits10 + 1];
-    const auto value = static_cast<unsigned>(microseconds);
-    const char* end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-    const auto count = static_cast<std::size_t>(end - digits);
-    if (count < microsecondDigits)
-        out = std::fill_n(out, microsecondDigits - count, '0');
-    return std::copy_n(digits, count, out);
-}
-
-/// Replaces the conversion in the text of a second by the microseconds.
-std::size_t render(const SecondText& second, int microseconds, char* out) {
-    const std::string_view text(second.text, second.length);
-    const std::size_t place = text.find(microsecondConversion);
-    char* end = std::copy_n(text.data(), std::min(place, text.size()), out);
-    if (place == std::string_view::npos)
-        return static_cast<std::size_t>(end - out);
-    end = appendMicroseconds(end, microseconds);
-    const std::string_view rest = text.substr(place + microsecondConversion.size());
-    end = std::copy_n(rest.data(), rest.size(), end);
-    return static_cast<std::size_t>(end - out);
+    auto value = static_cast<unsigned>(microseconds);
+    if (value >= 1'000'000)
+        return std::to_chars(out, out + maxNumberDigits, value).ptr;
+    for (std::size_t i = microsecondDigits; i-- > 0; value /= 10)
+        out[i] = static_cast<char>('0' + value % 10);
+    return out + microsecondDigits;
 }
 
 int writeBounded(const char* text, std::size_t length, char* buffer, int size) {
@@ -183,8 +173,11 @@ int Timestamp::toDefaultString(char* buffer, int size) const {
             return -1;
         storeCached(seconds_, second);
     }
-    char text[FMTBUF_SIZE + std::numeric_limits<unsigned>::digits10 + 1];
-    return writeBounded(text, render(second, microseconds_, text), buffer, size);
+    char text[FMTBUF_SIZE + maxNumberDigits];
+    char* end = std::copy_n(second.text, second.length, text);
+    if (second.takesMicroseconds)
+        end = appendMicroseconds(end, microseconds_);
+    return writeBounded(text, static_cast<std::size_t>(end - text), buffer, size);
 }
 
 }  // namespace pylon

@@ -21,28 +21,40 @@ public:
     std::size_t room() const { return static_cast<std::size_t>(end_ - pos_); }
 
     void put(std::string_view text) {
-        const std::size_t count = std::min(text.size(), room());
-        std::memcpy(pos_, text.data(), count);
-        pos_ += count;
+        if (text.size() > room())
+            text = text.substr(0, room());
+        std::memcpy(pos_, text.data(), text.size());
+        pos_ += text.size();
     }
 
     void fill(std::size_t count) {
-        count = std::min(count, room());
+        if (count > room())
+            count = room();
         std::memset(pos_, ' ', count);
         pos_ += count;
     }
 
     /// As "%<width>s".
-    void right(std::string_view text, std::size_t width) {
-        fill(width - std::min(width, text.size()));
+    template <std::size_t width>
+    void right(std::string_view text) {
+        if (text.size() < width)
+            fill(width - text.size());
         put(text);
     }
 
     /// As "%-<width>.<width>s".
-    void leftCut(std::string_view text, std::size_t width) {
+    template <std::size_t width>
+    void leftCut(std::string_view text) {
         text = text.substr(0, width);
-        put(text);
-        fill(width - text.size());
+        if (room() < width) {
+            put(text);
+            fill(width);
+            return;
+        }
+        // A length known to the compiler makes the blanks cheap.
+        std::memset(pos_, ' ', width);
+        std::memcpy(pos_, text.data(), text.size());
+        pos_ += width;
     }
 
     /// As "%0<digits>x", of the low bits.
