@@ -110,6 +110,7 @@ void TestTimeZones::offset_data() {
         {"", "Cuba S", -20, "Cuba Standard Time"},
         {"", "Central European S", 8, "Central European Summer Time"},
         {"", "Central", 126, "Central Standard Time"},
+        {"", "European", 127, "European"},
         {"XYZ", "", 127, ""},
         {"cet", "", 127, ""},
         {"CET", "central", 127, "central"},
