@@ -39,7 +39,6 @@ constexpr quint64 otherTracks = ~quint64{0};
 
 constexpr double ticksPerSecond = 300;
 constexpr int nameWidth = 40;
-constexpr int cameraIdWidth = 3;
 
 quint64 keyOf(const Image& image) {
     return quint64{image.cameraId()} << 16 | image.trackId();
@@ -71,18 +70,19 @@ QString duration(qint64 ticks) {
 QString meanRate(qint64 frames, qint64 ticks) {
     if (ticks == 0)
         return QStringLiteral("-");
-    return QString::number(
-        static_cast<double>(frames - 1) * ticksPerSecond / static_cast<double>(ticks), 'f', 2);
+    const double rate =
+        static_cast<double>(frames - 1) * ticksPerSecond / static_cast<double>(ticks);
+    return rate < 0.1 ? QString::number(rate, 'g', 2) : QString::number(rate, 'f', 2);
 }
 
-QString cameraCell(const TrackFigures& track) {
+QString cameraCell(const TrackFigures& track, int idWidth) {
     const QString name = printable(QString::fromUtf8(track.cameraName));
-    return QStringLiteral("%1 ").arg(track.latest.cameraId(), cameraIdWidth) +
+    return QStringLiteral("%1 ").arg(track.latest.cameraId(), idWidth) +
            (displayWidth(name) > nameWidth ? fitted(name, nameWidth) : name);
 }
 
-Line trackLine(const TrackFigures& track, const std::optional<Zone>& zone) {
-    return {cameraCell(track),
+Line trackLine(const TrackFigures& track, const std::optional<Zone>& zone, int idWidth) {
+    return {cameraCell(track, idWidth),
             QString::number(track.latest.trackId()),
             QString::number(track.frames),
             QString::number(track.keyFrames),
@@ -95,7 +95,7 @@ Line trackLine(const TrackFigures& track, const std::optional<Zone>& zone) {
 
 // The tracks that found no room for figures of their own.
 Line otherLine(const TrackFigures& track, const std::optional<Zone>& zone) {
-    Line line = trackLine(track, zone);
+    Line line = trackLine(track, zone, 0);
     line[Camera] = QStringLiteral("others");
     line[Track] = line[Rate] = line[LongestGap] = QString();
     return line;
@@ -180,8 +180,13 @@ QByteArray Summary::text(const std::optional<Zone>& zone, const Style& style) co
     std::vector<Line> lines(1);
     for (size_t i = 0; i < columns.size(); ++i)
         lines[0][i] = QString::fromLatin1(columns[i].title);
+    quint32 largestId = 0;
     for (const auto& [key, track] : tracks_)
-        lines.push_back(key == otherTracks ? otherLine(track, zone) : trackLine(track, zone));
+        largestId = std::max(largestId, track.latest.cameraId());
+    const auto idWidth = static_cast<int>(QString::number(largestId).size());
+    for (const auto& [key, track] : tracks_)
+        lines.push_back(key == otherTracks ? otherLine(track, zone)
+                                           : trackLine(track, zone, idWidth));
     if (tracks_.size() > 1)
         lines.push_back(totalLine(tracks_));
 
