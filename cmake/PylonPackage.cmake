@@ -21,6 +21,9 @@ install(FILES
   ${PROJECT_BINARY_DIR}/PylonSDKUtilConfigVersion.cmake
   DESTINATION ${package_dir} COMPONENT development)
 
+# Relative to the file itself, so that an installed tree can be moved.
+file(RELATIVE_PATH pc_to_prefix
+  ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(${CMAKE_CURRENT_LIST_DIR}/pylonsdk-util.pc.in
   ${PROJECT_BINARY_DIR}/pylonsdk-util.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/pylonsdk-util.pc
