@@ -1,6 +1,5 @@
 #include <pylon/time/timeconversion.h>
 
-#include <pylon/time/timezone.h>
 #include <pylon/time/timezones.h>
 
 #include <QtCore/QLocale>

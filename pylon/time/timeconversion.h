@@ -1,6 +1,7 @@
 #pragma once
 
 #include <pylon/export.h>
+#include <pylon/time/timezone.h>
 
 #include <QtCore/QDateTime>
 #include <QtCore/QString>
@@ -18,8 +19,6 @@
 /// QLocale follow QLocale::setDefault().
 
 namespace pylon {
-
-class TimeZone;
 
 /// The moment @p dt in time300: the whole part of its milliseconds since the epoch × 0.3.
 PYLON_EXPORT long long dateTimeToTime300(const QDateTime& dt);
