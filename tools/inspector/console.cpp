@@ -12,7 +12,7 @@ namespace pylon::inspector {
 
 namespace {
 
-constexpr qsizetype largeOutput = 64 * 1024;
+constexpr qsizetype largeOutput = qsizetype{64} * 1024;
 constexpr qint64 firstUpdateMs = 700;
 constexpr qint64 updateIntervalMs = 100;
 constexpr int barWidth = 30;

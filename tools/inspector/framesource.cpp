@@ -1,11 +1,12 @@
 #include "framesource.h"
 
-#include <QtCore/qendian.h>
 #include <QtCore/qiodevice.h>
+#include <pylon/media/byteconversion.h>
 #include <pylon/media/lyraimageheaderparserv4.h>
 
 #include <algorithm>
 #include <cstring>
+#include <span>
 #include <stdexcept>
 
 namespace pylon::inspector {
@@ -69,8 +70,10 @@ FrameSource::Status FrameSource::parseHeader() {
     return Status::Frame;
 }
 
+// Of the frame at begin_, by its size field; 0 as long as that is not there.
 quint32 FrameSource::claimedSize() const {
-    return qFromLittleEndian<quint32>(buffer_.constData() + begin_) & Wire::maxTotalSize;
+    const QByteArrayView rest(buffer_.constData() + begin_, available());
+    return tryByteSpanToUint32(std::as_bytes(std::span(rest))).value_or(0) & Wire::maxTotalSize;
 }
 
 bool FrameSource::fill() {
@@ -112,7 +115,7 @@ bool FrameSource::finish() {
     const qsizetype left = available();
     if (left == 0)
         return true;
-    const quint32 needed = left < sizeFieldSize ? 0 : claimedSize();
+    const quint32 needed = claimedSize();
     const QString what = needed < headerSize
                              ? QStringLiteral("needs %1 bytes for its header").arg(headerSize)
                              : QStringLiteral("needs %1 bytes").arg(needed);

@@ -34,7 +34,7 @@ public:
     };
 
     /// The most bytes fill() asks the device for.
-    static constexpr qsizetype chunkSize = 512 * 1024;
+    static constexpr qsizetype chunkSize = qsizetype{512} * 1024;
 
     /// @p device is open for reading and outlives this object; reading starts at its position,
     /// which counts as byte 0.

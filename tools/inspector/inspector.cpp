@@ -138,18 +138,20 @@ void Inspection::showSummary() {
     out.append(summary_.text(options_.zone, style_));
 }
 
+bool reportFailure(Output& output, const QString& name, const QString& reason) {
+    PLOG_WARN(logClient(), nullptr, "%s: %s", qUtf8Printable(name), qUtf8Printable(reason));
+    output.flush();  // on a terminal, what was shown stands above the complaint
+    complain(name + QLatin1String(": ") + reason);
+    return false;
+}
+
 // False if the input could not be opened or is damaged.
 bool inspectFile(const Options& options, Output& output, const QString& file) {
     const QString name = displayName(file);
-    const auto refuse = [&](const QString& reason) {
-        PLOG_WARN(logClient(), nullptr, "%s: %s", qUtf8Printable(name), qUtf8Printable(reason));
-        complain(name + QLatin1String(": ") + reason);
-        return false;
-    };
     QString error;
     const auto device = openInput(file, &error);
     if (!device)
-        return refuse(error);
+        return reportFailure(output, name, error);
     PLOG_INFO(logClient(), nullptr, "reading %s", qUtf8Printable(name));
     Inspection inspection(options, output, *device);
     const bool whole = inspection.run();
@@ -157,9 +159,10 @@ bool inspectFile(const Options& options, Output& output, const QString& file) {
               qUtf8Printable(name), inspection.frames(), inspection.source().offset());
     if (whole)
         return true;
-    return refuse(QStringLiteral("frame at byte %1: %2")
-                      .arg(inspection.source().offset())
-                      .arg(inspection.source().reason()));
+    return reportFailure(output, name,
+                         QStringLiteral("frame at byte %1: %2")
+                             .arg(inspection.source().offset())
+                             .arg(inspection.source().reason()));
 }
 
 void appendFileHeading(QByteArray& out, const QString& file, bool first) {

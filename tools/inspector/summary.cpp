@@ -1,7 +1,5 @@
 #include "summary.h"
 
-#include <QtCore/qbytearraylist.h>
-
 #include <algorithm>
 #include <array>
 #include <vector>
@@ -37,7 +35,8 @@ using Line = std::array<QString, columns.size()>;
 constexpr size_t maxTracks = 4096;
 constexpr quint64 otherTracks = ~quint64{0};
 
-constexpr double ticksPerSecond = 300;
+constexpr int ticksPerSecond = 300;
+constexpr qint64 secondsPerDay = 86400;
 constexpr int nameWidth = 40;
 
 quint64 keyOf(const Image& image) {
@@ -52,18 +51,18 @@ QString zonedTime(const Image& image, const std::optional<Zone>& zone) {
 
 // "0.200 s", from two minutes on "1h02m03s", from two days on "2d03h".
 QString duration(qint64 ticks) {
-    const qint64 seconds = ticks / 300;
+    const qint64 seconds = ticks / ticksPerSecond;
     const auto two = [](qint64 number) {
         return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'));
     };
     if (seconds < 120)
         return QString::number(static_cast<double>(ticks) / ticksPerSecond, 'f', 3) +
                QLatin1String(" s");
-    if (seconds < 2 * 86400)
+    if (seconds < 2 * secondsPerDay)
         return QStringLiteral("%1h%2m%3s")
             .arg(seconds / 3600)
             .arg(two(seconds / 60 % 60), two(seconds % 60));
-    return QStringLiteral("%1d%2h").arg(seconds / 86400).arg(two(seconds / 3600 % 24));
+    return QStringLiteral("%1d%2h").arg(seconds / secondsPerDay).arg(two(seconds / 3600 % 24));
 }
 
 // Frames after the first one, over the time they took; nothing to tell from a single moment.
