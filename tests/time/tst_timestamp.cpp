@@ -116,7 +116,7 @@ private slots:
                 std::vector<QByteArray> expected;
                 for (int second = 0; second < 3; ++second)
                     expected.push_back(reference({base + 60 * t + second, t}));
-                for (int i = 0; i < 20'000; ++i) {
+                for (int i = 0; i < 60'000; ++i) {
                     const int second = i / 7 % 3;
                     if (rendered({base + 60 * t + second, t}) !=
                         expected[static_cast<std::size_t>(second)])
