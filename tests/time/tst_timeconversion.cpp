@@ -5,6 +5,7 @@
 #include <QtTest/QtTest>
 
 #include <climits>
+#include <utility>
 
 using namespace pylon;
 
@@ -12,73 +13,47 @@ class TestTimeConversion : public QObject {
     Q_OBJECT
 
 private slots:
-    void fromDateTime_data();
-    void fromDateTime();
-    void toMilliseconds_data();
-    void toMilliseconds();
+    void ticks_data();
+    void ticks();
     void extremes();
-    void inZone();
     void localText_data();
     void localText();
     void zoneText_data();
     void zoneText();
-    void formats_data();
     void formats();
 };
 
-void TestTimeConversion::fromDateTime_data() {
-    QTest::addColumn<qint64>("msecs");
-    QTest::addColumn<qint64>("time300");
-
-    const struct {
-        qint64 msecs;
-        qint64 time300;
-    } rows[] = {{0, 0},   {1000, 300}, {3, 0},        {4, 1},
-                {7, 2},   {9, 2},      {10, 3},       {-3, 0},
-                {-4, -1}, {-10, -3},   {-1999, -599}, {1'700'000'000'123, 510'000'000'036}};
-    for (const auto& row : rows)
-        QTest::addRow("%lld", row.msecs) << row.msecs << row.time300;
-}
-
-void TestTimeConversion::fromDateTime() {
-    QFETCH(qint64, msecs);
-    const auto utc = QDateTime::fromMSecsSinceEpoch(msecs, QTimeZone::utc());
-    QTEST(qint64{dateTimeToTime300(utc)}, "time300");
-    QTEST(qint64{dateTimeToTime300(utc.toTimeZone(QTimeZone(5 * 3600)))}, "time300");
-}
-
-void TestTimeConversion::toMilliseconds_data() {
+void TestTimeConversion::ticks_data() {
     QTest::addColumn<qint64>("time300");
     QTest::addColumn<qint64>("msecs");
+    QTest::addColumn<qint64>("back");  // the milliseconds in time300 again
 
-    const struct {
-        qint64 time300;
-        qint64 msecs;
-    } rows[] = {{0, 0},
-                {1, 3},
-                {2, 6},
-                {3, 10},
-                {-1, -3},
-                {-2, -6},
-                {-3, -10},
-                {-4, -13},
-                {300, 1000},
-                {301, 1003},
-                {0xFFFF'FFFF'FFFF, 938'249'922'368'850}};
+    const qint64 rows[][3] = {
+        {0, 0, 0},           {1, 3, 0},
+        {2, 6, 1},           {3, 10, 3},
+        {-1, -3, 0},         {-2, -6, -1},
+        {-3, -10, -3},       {-4, -13, -3},
+        {300, 1000, 300},    {302, 1006, 301},
+        {-599, -1996, -598}, {0xFFFF'FFFF'FFFF, 938'249'922'368'850, 0xFFFF'FFFF'FFFF}};
     for (const auto& row : rows)
-        QTest::addRow("%lld", row.time300) << row.time300 << row.msecs;
+        QTest::addRow("%lld", row[0]) << row[0] << row[1] << row[2];
 }
 
-void TestTimeConversion::toMilliseconds() {
+void TestTimeConversion::ticks() {
     QFETCH(qint64, time300);
     QFETCH(qint64, msecs);
+    QFETCH(qint64, back);
     QCOMPARE(qint64{toMSecs(time300)}, msecs);
     const QDateTime utc = time300ToDateTimeUTC(time300);
-    QCOMPARE(utc.toMSecsSinceEpoch(), msecs);
     QCOMPARE(utc.timeZone(), QTimeZone::utc());
-    // Only multiples of 3 ticks come back.
-    if (time300 % 3 == 0)
-        QCOMPARE(qint64{dateTimeToTime300(utc)}, time300);
+    QCOMPARE(utc.toMSecsSinceEpoch(), msecs);
+    QCOMPARE(qint64{dateTimeToTime300(utc)}, back);
+
+    const QTimeZone zone(5 * 3600 + 1800);
+    const QDateTime zoned = time300ToDateTime(time300, zone);
+    QCOMPARE(zoned.timeZone(), zone);
+    QCOMPARE(zoned, utc);
+    QCOMPARE(qint64{dateTimeToTime300(zoned)}, back);
 }
 
 void TestTimeConversion::extremes() {
@@ -86,17 +61,8 @@ void TestTimeConversion::extremes() {
     const long long largest = LLONG_MAX / 10 * 3 + 2;
     QCOMPARE(toMSecs(largest), LLONG_MAX - 1);
     QCOMPARE(toMSecs(LLONG_MAX), static_cast<long long>(3ULL * LLONG_MAX + LLONG_MAX / 3));
-    QVERIFY(!time300ToDateTimeUTC(LLONG_MIN).isNull());
-    QCOMPARE(dateTimeToTime300(QDateTime()), QDateTime().toMSecsSinceEpoch() / 10 * 3);
-}
-
-void TestTimeConversion::inZone() {
-    const QTimeZone zone(5 * 3600 + 1800);
-    const QDateTime time = time300ToDateTime(300, zone);
-    QCOMPARE(time.timeZone(), zone);
-    QCOMPARE(time.time(), QTime(5, 30, 1));
+    QCOMPARE(toMSecs(LLONG_MIN), static_cast<long long>(3ULL * LLONG_MIN + LLONG_MIN / 3));
     QVERIFY(!time300ToDateTime(300, QTimeZone()).isValid());
-    QCOMPARE(dateTimeToTime300(time300ToDateTimeUTC(1)), 0);
 }
 
 void TestTimeConversion::localText_data() {
@@ -161,25 +127,15 @@ void TestTimeConversion::zoneText() {
     QTEST(msecsToString(msecs, "yyyy-MM-dd HH:mm t", zone), "text");
 }
 
-void TestTimeConversion::formats_data() {
-    QTest::addColumn<QString>("locale");
-    QTest::addColumn<QString>("date");
-
-    QTest::newRow("German") << "de_DE"
-                            << "dd.MM.yy";
-    QTest::newRow("American") << "en_US"
-                              << "M/d/yy";
-}
-
 void TestTimeConversion::formats() {
-    QFETCH(QString, locale);
-    QFETCH(QString, date);
-    const QLocale before;
-    const auto restore = qScopeGuard([&] { QLocale::setDefault(before); });
-    QLocale::setDefault(QLocale(locale));
-    QCOMPARE(dateFormat(), date);
-    QCOMPARE(dateTimeFormat(), date + " HH:mm:ss");
-    QCOMPARE(dateTimeFormatWithMs(), date + " HH:mm:ss.zzz");
+    const auto restore = qScopeGuard([before = QLocale()] { QLocale::setDefault(before); });
+    for (const auto& [locale, date] :
+         {std::pair("de_DE", "dd.MM.yy"), std::pair("en_US", "M/d/yy")}) {
+        QLocale::setDefault(QLocale(locale));
+        QCOMPARE(dateFormat(), date);
+        QCOMPARE(dateTimeFormat(), date + QStringLiteral(" HH:mm:ss"));
+        QCOMPARE(dateTimeFormatWithMs(), date + QStringLiteral(" HH:mm:ss.zzz"));
+    }
     QCOMPARE(arabicDateFormat(), "yyyy/MM/dd");
     QCOMPARE(arabicDateTimeFormat(), "ss:mm:HH yyyy/MM/dd");
     QCOMPARE(arabicDateTimeFormatWithMs(), "zzz.ss:mm:HH yyyy/MM/dd");

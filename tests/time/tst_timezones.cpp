@@ -5,20 +5,8 @@
 
 #include <sstream>
 #include <string>
-#include <vector>
 
 using namespace pylon;
-
-namespace {
-
-std::vector<std::string> fullNames(const char* key) {
-    std::vector<std::string> names;
-    for (auto it = TimeZones::find(key); it != TimeZones::end() && it.key() == key; ++it)
-        names.push_back(it.fullName());
-    return names;
-}
-
-}  // namespace
 
 class TestTimeZones : public QObject {
     Q_OBJECT
@@ -31,8 +19,6 @@ private slots:
     void list_data();
     void list();
     void listAll();
-    void streamFlags();
-    void sharedTable();
 };
 
 void TestTimeZones::catalogue() {
@@ -70,13 +56,6 @@ void TestTimeZones::find() {
     ++walking;
     QVERIFY(walking != utc);
     QVERIFY(utc == TimeZones::find("UTC"));
-
-    using Names = std::vector<std::string>;
-    QCOMPARE(fullNames("CST"),
-             (Names{"Central Standard Time", "China Standard Time", "Cuba Standard Time"}));
-    QCOMPARE(fullNames("IST"),
-             (Names{"Irish Standard Time", "Israel Standard Time", "India Standard Time"}));
-    QCOMPARE(fullNames("WST"), (Names{"Western Sahara Summer Time", "West Samoa Time"}));
 }
 
 void TestTimeZones::offset_data() {
@@ -140,20 +119,17 @@ void TestTimeZones::list_data() {
     QTest::addColumn<std::string>("fullName");
     QTest::addColumn<QStringList>("rows");
 
-    QTest::newRow("two rows")
-        << std::string("WST") << std::string()
-        << QStringList{"   WST     UTC +1:00      Western Sahara Summer Time Africa",
-                       "   WST     UTC+13:00                 West Samoa Time Pacific"};
-    QTest::newRow("minutes of a negative offset")
-        << std::string("NDT") << std::string()
-        << QStringList{"   NDT     UTC -2:30      Newfoundland Daylight Time "};
-    QTest::newRow("45 minutes") << std::string("CHAST") << std::string("Chat")
-                                << QStringList{
-                                       " CHAST     UTC+12:45    Chatham Island Standard Time "};
-    QTest::newRow("zero offset, any abbreviation")
-        << std::string() << std::string("Greenwich")
-        << QStringList{"   GMT     UTC +0:00             Greenwich Mean Time Europe"};
-    QTest::newRow("no match") << std::string("WST") << std::string("X") << QStringList{};
+    const auto row = [](const char* abbrevation, const char* fullName, const QStringList& rows) {
+        QTest::addRow("%s/%s", abbrevation, fullName)
+            << std::string(abbrevation) << std::string(fullName) << rows;
+    };
+    row("WST", "",
+        {"   WST     UTC +1:00      Western Sahara Summer Time Africa",
+         "   WST     UTC+13:00                 West Samoa Time Pacific"});
+    row("NDT", "", {"   NDT     UTC -2:30      Newfoundland Daylight Time "});
+    row("CHAST", "Chat", {" CHAST     UTC+12:45    Chatham Island Standard Time "});
+    row("", "Greenwich", {"   GMT     UTC +0:00             Greenwich Mean Time Europe"});
+    row("WST", "X", {});
 }
 
 void TestTimeZones::list() {
@@ -161,14 +137,17 @@ void TestTimeZones::list() {
     QFETCH(std::string, fullName);
     QFETCH(QStringList, rows);
     std::ostringstream os;
+    auto flags = os.flags();
     QCOMPARE(TimeZones::list2ostream(os, abbrevation, fullName), rows.size());
 
     if (!rows.isEmpty()) {
+        flags |= std::ios::showpos | std::ios::left | std::ios::right;
         rows.prepend(QString(64, u'-'));
         rows.prepend(" TZone     UTC+-H:MM             Time Zone Full Name Continent");
         rows.append(QString());
     }
     QCOMPARE(QString::fromStdString(os.str()), rows.join(u'\n'));
+    QVERIFY(os.flags() == flags);
 }
 
 void TestTimeZones::listAll() {
@@ -177,27 +156,6 @@ void TestTimeZones::listAll() {
     const QStringList lines = QString::fromStdString(os.str()).split(u'\n');
     QCOMPARE(lines.size(), 2 + 121 + 1);
     QCOMPARE(lines.at(2), "   ADT     UTC -3:00          Atlantic Daylight Time Atlantic");
-    QVERIFY(lines.at(122).startsWith("  YEKT "));
-}
-
-void TestTimeZones::streamFlags() {
-    std::ostringstream os;
-    const auto before = os.flags();
-    TimeZones::list2ostream(os, "XYZ", "");
-    QVERIFY(os.flags() == before);
-    TimeZones::list2ostream(os, "CET", "");
-    QVERIFY(os.flags() == (before | std::ios::showpos | std::ios::left | std::ios::right));
-}
-
-void TestTimeZones::sharedTable() {
-    QCOMPARE(&TimeZones::getInstance(), &TimeZones::getInstance());
-    const auto first = TimeZones::begin();
-    {
-        TimeZones copy = TimeZones::getInstance();
-        copy = TimeZones::getInstance();
-    }
-    QVERIFY(first == TimeZones::begin());
-    QCOMPARE(first.key(), std::string("ADT"));
 }
 
 QTEST_APPLESS_MAIN(TestTimeZones)
