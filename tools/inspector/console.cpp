@@ -3,10 +3,7 @@
 #include <QtCore/qlocale.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
-
-#include "terminal.h"
 
 namespace pylon::inspector {
 
@@ -34,21 +31,9 @@ bool Output::isLarge() const {
 }
 
 void Output::flush() {
-    if (!failed() && !buffer_.isEmpty()) {
-        const auto size = static_cast<size_t>(buffer_.size());
-        errno = 0;
-        if (std::fwrite(buffer_.constData(), 1, size, stdout) != size || std::fflush(stdout) != 0)
-            error_ = errno != 0 ? errno : EIO;
-    }
+    if (!ended())
+        state_ = writeStandardOutput(buffer_, &error_);
     buffer_.resize(0);  // keeps its memory
-}
-
-bool Output::readerGone() const {
-    return error_ == EPIPE;
-}
-
-QString Output::errorText() const {
-    return qt_error_string(error_);
 }
 
 StandardInput::StandardInput() {
@@ -56,9 +41,10 @@ StandardInput::StandardInput() {
 }
 
 qint64 StandardInput::readData(char* data, qint64 maxSize) {
-    const qint64 count = readStandardInput(data, maxSize);
+    QString error;
+    const qint64 count = readStandardInput(data, maxSize, &error);
     if (count < 0)
-        setErrorString(qt_error_string(errno));
+        setErrorString(error);
     return count;
 }
 

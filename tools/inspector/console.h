@@ -5,6 +5,8 @@
 #include <QtCore/qiodevice.h>
 #include <QtCore/qstring.h>
 
+#include "terminal.h"
+
 /// @file
 /// The standard streams as the program uses them. Not thread-safe.
 
@@ -19,14 +21,16 @@ public:
     bool isLarge() const;
     void flush();
 
-    bool failed() const { return error_ != 0; }
-    /// The reader went away, as with "| head": no reason to complain.
-    bool readerGone() const;
-    QString errorText() const;
+    /// Whether writing more makes no sense.
+    bool ended() const { return state_ != WriteResult::Done; }
+    /// The same, for another reason than a reader that went away, which is none to complain.
+    bool failed() const { return state_ == WriteResult::Failed; }
+    const QString& errorText() const { return error_; }
 
 private:
     QByteArray buffer_;
-    int error_ = 0;  // errno
+    WriteResult state_ = WriteResult::Done;
+    QString error_;
 };
 
 /// Standard input. read() gives what is there instead of waiting until all that was asked for has

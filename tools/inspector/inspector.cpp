@@ -70,7 +70,7 @@ private:
 
 bool Inspection::run() {
     bool whole = true;
-    for (bool more = true; more && !output_.failed();) {
+    for (bool more = true; more && !output_.ended();) {
         switch (source_.next()) {
             case FrameSource::Status::Frame:
                 show();
@@ -180,14 +180,14 @@ ExitStatus inspect(const Options& options) {
     Output output;
     ExitStatus status = Success;
     const bool headings = options.files.size() > 1 && options.format != Options::Format::Json;
-    for (qsizetype i = 0; i < options.files.size() && !output.failed(); ++i) {
+    for (qsizetype i = 0; i < options.files.size() && !output.ended(); ++i) {
         if (headings)
             appendFileHeading(output.buffer(), options.files[i], i == 0);
         if (!inspectFile(options, output, options.files[i]))
             status = InputFailed;
     }
     output.flush();
-    if (output.failed() && !output.readerGone()) {
+    if (output.failed()) {
         complain(QStringLiteral("cannot write: ") + output.errorText());
         status = InputFailed;
     }

@@ -12,7 +12,7 @@ int print(const QByteArray& text) {
     Output output;
     output.buffer() = text;
     output.flush();
-    return output.failed() && !output.readerGone() ? InputFailed : Success;
+    return output.failed() ? InputFailed : Success;
 }
 
 int refuse(const QString& reason) {
