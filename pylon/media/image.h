@@ -255,7 +255,7 @@ public:
     void generateNetworkImageHeader(QByteArray& out, ImageHeaderVersion version) const;
     /// Writes header and extension block over the first bytes of @p out, appends the payload at
     /// its end, and sets the size field to the length of all of it. Pass an empty @p out to get
-    /// the frame.
+    /// the frame; one longer than 67,108,863 bytes cannot be read back.
     void generateNetworkImage(QByteArray& out, ImageHeaderVersion version) const;
     /// @}
 

@@ -14,7 +14,7 @@ ImageBase::~ImageBase() = default;
 
 void ImageBase::load(const QByteArray& frame) {
     // Keeps the bytes alive when the frame is this record's own payload or one of its slots.
-    const QByteArray bytes = frame;
+    const QByteArray bytes = frame;  // NOLINT(performance-unnecessary-copy-initialization)
     payload.clear();
     take(bytes);
 }

@@ -16,7 +16,7 @@ ImageHeaderBase::~ImageHeaderBase() = default;
 
 void ImageHeaderBase::loadFromData(const QByteArray& data) {
     // Keeps the bytes alive when data is one of this header's own slots.
-    const QByteArray bytes = data;
+    const QByteArray bytes = data;  // NOLINT(performance-unnecessary-copy-initialization)
     parse(bytes);
 }
 

@@ -9,7 +9,7 @@ namespace pylon {
 namespace {
 
 constexpr int secondsPerQuarterHour = 900;
-constexpr qint64 ticksPerQuarterHour = 300 * secondsPerQuarterHour;
+constexpr qint64 ticksPerQuarterHour = qint64{300} * secondsPerQuarterHour;
 
 // A UTC date-time that shows the wall-clock time at an offset in quarter hours.
 QDateTime wallClock(qint64 time, qint8 offset) {

@@ -94,7 +94,7 @@ void TestImage::failedLoad() {
     QTEST(errorOf([&] { image.loadFromData(data); }), "error");
     QCOMPARE(image.payload(), "");
     QTEST(errorOf([&] { Image{data}; }), "error");
-    // The frame stays usable; text of slots adds up.
+    // The frame stays usable.
     image.loadFromData(headerBytes("", 3) + "new");
     QCOMPARE(image.payload(), "new");
 }
@@ -123,8 +123,9 @@ void TestImage::copiesShareClonesDoNot() {
     image.setAuthenticationState(static_cast<Image::AuthenticationState>(0xFFFFFFFF));
     Image copy = image;
     Image clone = image.clone();
-    Image moved = std::move(copy);
-    copy.setTime(1);  // a moved-from handle still has its frame
+    // A moved-from handle still has its frame.
+    Image moved = std::move(copy);  // NOLINT(performance-move-const-arg)
+    copy.setTime(1);                // NOLINT(bugprone-use-after-move)
     moved.setHiddenFlag(true);
     moved.payloadData()[0] = 'D';
     QCOMPARE(image.time(), 1);

@@ -21,14 +21,15 @@ private slots:
 
 namespace {
 
-constexpr int threadCount = 4;
+constexpr std::size_t threadCount = 4;
 constexpr int rounds = 2000;
 
 template <typename Work>
 void onThreads(Work work) {
     std::barrier start(threadCount);
     std::vector<std::jthread> threads;
-    for (int number = 0; number < threadCount; ++number) {
+    threads.reserve(threadCount);
+    for (std::size_t number = 0; number < threadCount; ++number) {
         threads.emplace_back([&, number] {
             start.arrive_and_wait();
             work(number);
@@ -49,7 +50,7 @@ void TestImageThreads::handlesCrossThreads() {
         std::vector<ImageHeader> headers(threadCount, header);
         frame = Image();
         // Each thread drops the handle it was given: the last one frees the record.
-        onThreads([&](int number) {
+        onThreads([&](std::size_t number) {
             for (int round = 0; round < rounds; ++round) {
                 const Image copy = frames[number];
                 const ImageHeader headerCopy = headers[number];
@@ -67,8 +68,8 @@ void TestImageThreads::handlesCrossThreads() {
 void TestImageThreads::clonesAreIndependent() {
     const Image frame(headerBytes("Gate", 2) + "ab");
     int wrong[threadCount] = {};
-    onThreads([&](int number) {
-        const auto mark = static_cast<char>('0' + number);
+    onThreads([&](std::size_t number) {
+        const auto mark = static_cast<char>('0' + static_cast<int>(number));
         for (int round = 0; round < rounds; ++round) {
             Image clone = frame.clone();
             clone.payloadData()[1] = mark;
