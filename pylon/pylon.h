@@ -5,10 +5,12 @@
 
 #include <pylon/export.h>
 #include <pylon/log/arg.h>
+#include <pylon/log/assertions.h>
 #include <pylon/log/logclient.h>
 #include <pylon/log/logconsole.h>
 #include <pylon/log/logcustom.h>
 #include <pylon/log/logdevice.h>
+#include <pylon/log/logfile.h>
 #include <pylon/log/logfilter.h>
 #include <pylon/log/logfilteritem.h>
 #include <pylon/log/logitem.h>
@@ -16,6 +18,7 @@
 #include <pylon/log/logmacros.h>
 #include <pylon/log/logmanager.h>
 #include <pylon/log/logmodule.h>
+#include <pylon/log/qtmessagehandler.h>
 #include <pylon/media/byteconversion.h>
 #include <pylon/media/image.h>
 #include <pylon/media/imagebase.h>

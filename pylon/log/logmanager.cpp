@@ -1,11 +1,16 @@
+#include <pylon/log/internal/devicewritescope.h>
 #include <pylon/log/logfilter.h>
 #include <pylon/log/logmanager.h>
+#include <pylon/platform/internal/clock.h>
 
 #include <QtCore/QDateTime>
 #include <QtCore/QDir>
 #include <QtCore/QStandardPaths>
 
+#include <cstdio>
 #include <cstdlib>
+#include <ctime>
+#include <mutex>
 
 namespace pylon {
 
@@ -33,6 +38,34 @@ constexpr unsigned int initialLevels = Info | Warn | Error;
 // Bits 0 to 7 of a sub-module mask are not sub-modules and keep their value.
 constexpr unsigned int notSubModules = 0xFF;
 constexpr unsigned int allSubModules = ~notSubModules;
+
+void reportThrow(const char* what) {
+    static std::once_flag once;
+    std::call_once(once, [&] {
+        std::fprintf(stderr, "logmanager error: a device threw: %s (said once)\n", what);
+    });
+}
+
+/// Hands an item to a device, unless it comes from inside that device. What a device throws ends
+/// here: it is not the fault of the code that logs.
+void writeTo(LogDevice& device, const LogItem& item) {
+    if (DeviceWriteScope::isInside(device))
+        return;
+    const DeviceWriteScope scope(device);
+    try {
+        device.write(item);
+    } catch (const std::exception& error) {
+        reportThrow(error.what());
+    } catch (...) {
+        reportThrow("unknown exception");
+    }
+}
+
+// The walk holds a list of its own: a device may change the manager's from inside write().
+void writeToAll(const QList<QSharedPointer<LogDevice>> devices, const LogItem& item) {
+    for (const QSharedPointer<LogDevice>& device : devices)
+        writeTo(*device, item);
+}
 
 }  // namespace
 
@@ -63,17 +96,10 @@ void LogManager::destroyInstance() {
 }
 
 void LogManager::log(const LogItem& item) {
-    // The walks hold a list of their own: a device may change ours from inside write().
-    if (hasRawDevices_) {
-        const QList<QSharedPointer<LogDevice>> devices = rawDevicesList_;
-        for (const QSharedPointer<LogDevice>& device : devices)
-            device->write(item);
-    }
-    if (!isEnabled(item))
-        return;
-    const QList<QSharedPointer<LogDevice>> devices = logDevicesList_;
-    for (const QSharedPointer<LogDevice>& device : devices)
-        device->write(item);
+    if (hasRawDevices_)
+        writeToAll(rawDevicesList_, item);
+    if (isEnabled(item))
+        writeToAll(logDevicesList_, item);
 }
 
 bool LogManager::isEnabled(const LogItem& item) const {
@@ -176,6 +202,8 @@ void LogManager::unsetAll() {
 }
 
 QString LogManager::logStartupHeader() {
+    static QMutex mutex;  // devices ask for it when they rotate, each on a thread that logs
+    const QMutexLocker lock(&mutex);
     PylonSDKInfo& info = *log_info_instance_;
     if (!info.headerBuilt) {
         info.headerText =
@@ -190,23 +218,26 @@ QString LogManager::logStartupHeader() {
 }
 
 QString LogManager::logShutdownHeader() {
-    return QStringLiteral(
-               "################################## PylonSDK {%1} Shutdown at %2 "
-               "###############################")
-        .arg(QStringLiteral(PYLON_VERSION_TEXT),
-             QDateTime::currentDateTime().toString(QStringLiteral("hh:mm:ss.zzz")));
+    // Qt formats no dates once the process is exiting, and that is when this banner is wanted.
+    const std::int64_t now = platform::utcMicroseconds();
+    std::tm time{};
+    platform::localTime(now / 1'000'000, time);
+    char text[160];
+    std::snprintf(text, sizeof text,
+                  "################################## PylonSDK {%s} Shutdown at "
+                  "%02d:%02d:%02d.%03d ###############################",
+                  PYLON_VERSION_TEXT, time.tm_hour, time.tm_min, time.tm_sec,
+                  static_cast<int>(now / 1000 % 1000));
+    return QString::fromLatin1(text);
 }
 
 void LogManager::writeLogStartupHeader(const QSharedPointer<LogDevice>& device) {
     if (device)
-        device->write(LogItem(logStartupHeader()));
+        writeTo(*device, LogItem(logStartupHeader()));
 }
 
 void LogManager::writeLogStartupHeader() {
-    const LogItem banner(logStartupHeader());
-    const QList<QSharedPointer<LogDevice>> devices = logDevicesList_;
-    for (const QSharedPointer<LogDevice>& device : devices)
-        device->write(banner);
+    writeToAll(logDevicesList_, LogItem(logStartupHeader()));
 }
 
 }  // namespace plog

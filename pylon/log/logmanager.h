@@ -29,7 +29,8 @@ struct PylonSDKInfo;
 /// enabled, to every log device, in the order in which devices were added.
 ///
 /// A device may add and remove devices while it is being written to: the item in hand still goes to
-/// the devices that were there when it came.
+/// the devices that were there when it came. What a device logs from inside goes to the other
+/// devices, not back to itself. What a device throws is caught and said once on standard error.
 ///
 /// Thread-safety: any number of threads may log at once, without a lock on the way. Devices, masks
 /// and filters are to be changed while no other thread logs.
@@ -92,6 +93,8 @@ public:
     /// The log devices, without the raw ones, in order.
     QList<QSharedPointer<LogDevice>> logDevices() const { return logDevicesList_; }
     QList<QSharedPointer<LogDevice>> logDevices(LogDevice::DeviceType type) const;
+    /// The raw devices, in order, each as often as it was added.
+    QList<QSharedPointer<LogDevice>> rawDevices() const { return rawDevicesList_; }
     /// @}
 
     /// @name Filters
@@ -127,6 +130,7 @@ public:
 
 private:
     friend class LogClientBase;
+    friend class QtMessageRouter;
 
     LogManager();
     ~LogManager();

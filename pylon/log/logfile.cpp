@@ -1,0 +1,247 @@
+#include <pylon/log/internal/devicewritescope.h>
+#include <pylon/log/logfile.h>
+#include <pylon/log/logmanager.h>
+#include <pylon/platform/internal/file.h>
+
+#include <QtCore/QAbstractEventDispatcher>
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtCore/QThread>
+
+#include <algorithm>
+#include <functional>
+
+namespace pylon::plog {
+
+namespace {
+
+constexpr int flushIntervalMs = 500;
+constexpr int retryIntervalMs = 500;
+constexpr qsizetype batchSize = 501;
+constexpr qsizetype maxBacklog = 1024 * 1024;
+
+QString join(const QString& dir, const QString& name) {
+    return dir + QDir::separator() + name;
+}
+
+/// "dir/app-1.log" for "dir/app.log".
+QString olderFileName(const QString& fileName) {
+    const QFileInfo file(fileName);
+    return join(file.absolutePath(),
+                file.baseName() + QStringLiteral("-1.") + file.completeSuffix());
+}
+
+void moveFile(const QString& from, const QString& to) {
+    if (platform::replaceFile(from, to))
+        return;
+    // Another volume.
+    QFile::remove(to);
+    QFile::rename(from, to);
+}
+
+bool isSameFile(const QString& one, const QString& other) {
+    const QString path = QFileInfo(one).canonicalFilePath();
+    return !path.isEmpty() && path == QFileInfo(other).canonicalFilePath();
+}
+
+bool isTooSoon(const QElapsedTimer& sinceFailure) {
+    return sinceFailure.isValid() && !sinceFailure.hasExpired(retryIntervalMs);
+}
+
+}  // namespace
+
+/// The device's lock, and the mark that keeps warnings about its file from coming back to it.
+struct LogFile::Guard {
+    explicit Guard(LogFile& file) : lock(&file.mutex_), scope(file) {}
+    QMutexLocker<QMutex> lock;
+    DeviceWriteScope scope;
+};
+
+LogFile::LogFile(const QString& fileName, QIODevice::OpenMode mode, bool flushEachLine)
+    : LogDevice(nullptr),
+      timer_(new QTimer),
+      fileName_(fileName),
+      file_(fileName),
+      flushEachLine_(flushEachLine) {
+    const bool keepsContent = mode & (QIODevice::Append | QIODevice::ReadOnly);
+    open(keepsContent ? mode : mode | QIODevice::Truncate);
+    connect(timer_, &QTimer::timeout, this, &LogFile::timeout);
+    // Without an event loop to come, Qt would warn about a timer that can never fire.
+    if (QAbstractEventDispatcher::instance())
+        timer_->start(flushIntervalMs);
+}
+
+LogFile::~LogFile() {
+    disconnect(timer_, &QTimer::timeout, this, &LogFile::timeout);
+    if (file_.isOpen()) {
+        timeout();
+        const Guard guard(*this);
+        file_.write(LogManager::logShutdownHeader().toUtf8());
+        file_.close();
+    }
+    if (timer_->thread() == QThread::currentThread())
+        delete timer_;
+    else
+        timer_->deleteLater();
+}
+
+void LogFile::write(const LogItem& item) {
+    const Guard guard(*this);
+    const std::optional<qint64> size = writableSize();
+    if (!size)
+        return;
+    if (rotate_ && *size > maxFileSize_)
+        rotateFile();
+    const qsizetype before = buffer_.size();
+    buffer_.append(item.toCString());
+    buffer_.append('\n');
+    if (!flushEachLine_ && buffer_.size() < batchSize)
+        return;
+    writeBuffer();
+    if (buffer_.size() > maxBacklog)
+        buffer_.truncate(before);
+}
+
+void LogFile::flush() {
+    if (DeviceWriteScope::isInside(*this))
+        return;
+    const Guard guard(*this);
+    if (!buffer_.isEmpty() && writableSize())
+        writeBuffer();
+}
+
+void LogFile::timeout() {
+    flush();
+}
+
+QString LogFile::fileName() const {
+    const QMutexLocker lock(&mutex_);
+    return fileName_;
+}
+
+qint64 LogFile::fileSize() const {
+    const QMutexLocker lock(&mutex_);
+    return file_.size();
+}
+
+qint64 LogFile::maxFileSize() const {
+    const QMutexLocker lock(&mutex_);
+    return maxFileSize_;
+}
+
+void LogFile::setMaxFileSize(qint64 size) {
+    const QMutexLocker lock(&mutex_);
+    maxFileSize_ = std::clamp(size, minMaxFileSize, maxMaxFileSize);
+}
+
+bool LogFile::isRotateEnabled() const {
+    const QMutexLocker lock(&mutex_);
+    return rotate_;
+}
+
+void LogFile::setRotateFile(bool rotate) {
+    const QMutexLocker lock(&mutex_);
+    rotate_ = rotate;
+}
+
+void LogFile::changeLogDir(const QString& dir) {
+    const QFileInfo folder(dir);
+    if (!folder.isDir() || !folder.isWritable())
+        return;
+    const Guard guard(*this);
+    const QFileInfo file(fileName_);
+    if (isSameFile(dir, file.absolutePath()))
+        return;
+    const QString target = join(dir, file.fileName());
+    file_.close();
+    // By way of links, the file there may be the log itself.
+    if (!isSameFile(fileName_, target))
+        moveFile(fileName_, target);
+    fileName_ = target;
+    open(QIODevice::Append);
+}
+
+bool LogFile::open(QIODevice::OpenMode mode) {
+    // Appending makes the end of the file the place to write even if somebody else cuts it, and
+    // without a buffer of its own the file takes what it can and leaves the rest to us.
+    file_.setFileName(fileName_);
+    const bool opened =
+        file_.open(mode | QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered);
+    if (opened)
+        sinceFailedOpen_.invalidate();
+    else
+        sinceFailedOpen_.start();
+    return opened;
+}
+
+std::optional<qint64> LogFile::writableSize() {
+    if (file_.isWritable()) {
+        const platform::OpenFileStatus status = platform::openFileStatus(file_);
+        if (status.linked) {
+            if (status.size < file_.pos() && !file_.isSequential())
+                file_.seek(status.size);
+            return status.size;
+        }
+        file_.close();
+    }
+    if (isTooSoon(sinceFailedOpen_) || !open(QIODevice::Append))
+        return std::nullopt;
+    return file_.size();
+}
+
+void LogFile::rotateFile() {
+    if (isTooSoon(sinceFailedRotation_))
+        return;
+    // Windows renames no file that is open.
+    file_.close();
+    if (!platform::replaceFile(fileName_, olderFileName(fileName_))) {
+        sinceFailedRotation_.start();
+        open(QIODevice::Append);
+        return;
+    }
+    sinceFailedRotation_.invalidate();
+    if (open(QIODevice::Truncate))
+        file_.write(LogManager::instance()->logStartupHeader().toUtf8());
+}
+
+void LogFile::writeBuffer() {
+    if (!file_.isWritable())
+        return;
+    const qint64 written = file_.write(buffer_);
+    if (written == buffer_.size())
+        buffer_.truncate(0);  // unlike clear(), keeps the memory
+    else if (written > 0)
+        buffer_.remove(0, written);
+}
+
+namespace {
+
+using Devices = QList<QSharedPointer<LogDevice>>;
+
+void forEachLogFile(const Devices& devices, const std::function<void(LogFile&)>& action) {
+    for (const QSharedPointer<LogDevice>& device : devices) {
+        if (auto* file = qobject_cast<LogFile*>(device.data()))
+            action(*file);
+    }
+}
+
+}  // namespace
+
+void setFileDevicePath(const QString& dir) {
+    if (QFile::exists(dir))
+        forEachLogFile(LogManager::instance()->logDevices(),
+                       [&](LogFile& file) { file.changeLogDir(dir); });
+}
+
+void setMaxFileSize(qint64 size) {
+    forEachLogFile(LogManager::instance()->logDevices(),
+                   [&](LogFile& file) { file.setMaxFileSize(size); });
+}
+
+void flushFileDevices() {
+    const LogManager* manager = LogManager::instance();
+    forEachLogFile(manager->logDevices() + manager->rawDevices(),
+                   [](LogFile& file) { file.flush(); });
+}
+
+}  // namespace pylon::plog
