@@ -14,11 +14,25 @@ namespace {
 // Nearly every message fits; longer ones are formatted a second time at their exact length.
 constexpr qsizetype usualMessageSize = 1024;
 
-int formatInto(char* buffer, qsizetype capacity, const char* format, va_list values) {
+/// The buffer that this thread formats its messages in, one after the other, so that a line costs
+/// neither an allocation nor a copy. It travels in the item and comes back, unless a device shares
+/// it; then, and while a line is under way, there is none.
+QByteArray* threadBuffer() {
+    static thread_local bool isGone = false;
+    struct Buffer {
+        ~Buffer() { isGone = true; }
+        QByteArray bytes;
+    };
+    static thread_local Buffer buffer;
+    // Static objects may log after the thread-local ones are gone.
+    return isGone ? nullptr : &buffer.bytes;
+}
+
+int formatInto(QByteArray& message, const char* format, va_list values) {
     va_list copy;
     va_copy(copy, values);
-    const int length =
-        osal::vsnprintf_c99(buffer, static_cast<std::size_t>(capacity) + 1, format, copy);
+    const int length = osal::vsnprintf_c99(
+        message.data(), static_cast<std::size_t>(message.size()) + 1, format, copy);
     va_end(copy);
     return length;
 }
@@ -27,27 +41,21 @@ void reportError(const char* what, int result) {
     std::fprintf(stderr, "%s:%d\n", what, result);
 }
 
-QByteArray formatLong(qsizetype length, const char* format, va_list values) {
-    QByteArray message(length, Qt::Uninitialized);
-    const int result = formatInto(message.data(), length, format, values);
+void formatMessage(QByteArray& message, const char* format, va_list values) {
+    message.resize(usualMessageSize);
+    int result = formatInto(message, format, values);
     if (result < 0)
-        reportError("logclient error2", result);
-    if (result > length)
-        reportError("logclient error3", result);
-    message.resize(qBound(qsizetype{0}, qsizetype{result}, length));
-    return message;
-}
-
-QByteArray formatMessage(const char* format, va_list values) {
-    char buffer[usualMessageSize + 1];
-    const int result = formatInto(buffer, usualMessageSize, format, values);
-    if (result < 0) {
         reportError("logclient error", result);
-        return {};
+    if (result > usualMessageSize) {
+        message = QByteArray(result, Qt::Uninitialized);
+        const qsizetype room = result;
+        result = formatInto(message, format, values);
+        if (result < 0)
+            reportError("logclient error2", result);
+        if (result > room)
+            reportError("logclient error3", result);
     }
-    if (result > usualMessageSize)
-        return formatLong(result, format, values);
-    return QByteArray(buffer, result);
+    message.truncate(qMax(result, 0));
 }
 
 }  // namespace
@@ -83,19 +91,23 @@ void LogClientBase::log(LogLevel level, const char* function, const char* pretty
     const QByteArray tag = currentTag();
     const unsigned int submods = first.type == Arg::SubModule ? first.subMod() : defaultSubModule;
 
-    QByteArray message;
+    QByteArray* const buffer = threadBuffer();
+    QByteArray message = buffer ? std::move(*buffer) : QByteArray();
     va_list values;
     va_start(values, sentinel);
-    if (first.type == Arg::String) {
-        message = formatMessage(first.str(), values);
-    } else if (second.type == Arg::String) {
-        const char* format = va_arg(values, const char*);
-        message = formatMessage(format, values);
-    }
+    if (first.type == Arg::String)
+        formatMessage(message, first.str(), values);
+    else if (second.type == Arg::String)
+        formatMessage(message, va_arg(values, const char*), values);
+    else
+        message.truncate(0);
     va_end(values);
 
-    LogManager::instance()->log(
-        LogItem(level, module_, submods, name_, function, prettyFunction, object, tag, message));
+    LogItem item(level, module_, submods, name_, function, prettyFunction, object, tag,
+                 std::move(message));
+    LogManager::instance()->log(item);
+    if (buffer && item.message_.isDetached() && item.message_.size() <= usualMessageSize)
+        *buffer = std::move(item.message_);
 }
 
 }  // namespace pylon::plog

@@ -9,6 +9,7 @@
 #include <QtCore/QThread>
 
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
 
 namespace pylon::plog {
@@ -50,13 +51,6 @@ bool isTooSoon(const QElapsedTimer& sinceFailure) {
 
 }  // namespace
 
-/// The device's lock, and the mark that keeps warnings about its file from coming back to it.
-struct LogFile::Guard {
-    explicit Guard(LogFile& file) : lock(&file.mutex_), scope(file) {}
-    QMutexLocker<QMutex> lock;
-    DeviceWriteScope scope;
-};
-
 LogFile::LogFile(const QString& fileName, QIODevice::OpenMode mode, bool flushEachLine)
     : LogDevice(nullptr),
       timer_(new QTimer),
@@ -75,7 +69,7 @@ LogFile::~LogFile() {
     disconnect(timer_, &QTimer::timeout, this, &LogFile::timeout);
     if (file_.isOpen()) {
         timeout();
-        const Guard guard(*this);
+        const QMutexLocker lock(&mutex_);
         file_.write(LogManager::logShutdownHeader().toUtf8());
         file_.close();
     }
@@ -86,17 +80,18 @@ LogFile::~LogFile() {
 }
 
 void LogFile::write(const LogItem& item) {
-    const Guard guard(*this);
-    const std::optional<qint64> size = writableSize();
-    if (!size)
+    const QMutexLocker lock(&mutex_);
+    if (!ensureOpen())
         return;
-    if (rotate_ && *size > maxFileSize_)
+    if (rotate_ && platform::openFileSize(file_) > maxFileSize_)
         rotateFile();
     const qsizetype before = buffer_.size();
-    buffer_.append(item.toCString());
+    item.appendTo(buffer_);
     buffer_.append('\n');
     if (!flushEachLine_ && buffer_.size() < batchSize)
         return;
+    if (flushEachLine_ || isLinkCheckDue(item.timestamp()))
+        reopenIfDeleted();
     writeBuffer();
     if (buffer_.size() > maxBacklog)
         buffer_.truncate(before);
@@ -105,9 +100,11 @@ void LogFile::write(const LogItem& item) {
 void LogFile::flush() {
     if (DeviceWriteScope::isInside(*this))
         return;
-    const Guard guard(*this);
-    if (!buffer_.isEmpty() && writableSize())
-        writeBuffer();
+    const QMutexLocker lock(&mutex_);
+    if (buffer_.isEmpty() || !ensureOpen())
+        return;
+    reopenIfDeleted();
+    writeBuffer();
 }
 
 void LogFile::timeout() {
@@ -148,7 +145,7 @@ void LogFile::changeLogDir(const QString& dir) {
     const QFileInfo folder(dir);
     if (!folder.isDir() || !folder.isWritable())
         return;
-    const Guard guard(*this);
+    const QMutexLocker lock(&mutex_);
     const QFileInfo file(fileName_);
     if (isSameFile(dir, file.absolutePath()))
         return;
@@ -161,7 +158,11 @@ void LogFile::changeLogDir(const QString& dir) {
     open(QIODevice::Append);
 }
 
+// From here on, a warning that Qt has about the file must not come back to it: see
+// DeviceWriteScope.
+
 bool LogFile::open(QIODevice::OpenMode mode) {
+    const DeviceWriteScope scope(*this);
     // Appending makes the end of the file the place to write even if somebody else cuts it, and
     // without a buffer of its own the file takes what it can and leaves the rest to us.
     file_.setFileName(fileName_);
@@ -174,24 +175,30 @@ bool LogFile::open(QIODevice::OpenMode mode) {
     return opened;
 }
 
-std::optional<qint64> LogFile::writableSize() {
-    if (file_.isWritable()) {
-        const platform::OpenFileStatus status = platform::openFileStatus(file_);
-        if (status.linked) {
-            if (status.size < file_.pos() && !file_.isSequential())
-                file_.seek(status.size);
-            return status.size;
-        }
-        file_.close();
-    }
-    if (isTooSoon(sinceFailedOpen_) || !open(QIODevice::Append))
-        return std::nullopt;
-    return file_.size();
+bool LogFile::ensureOpen() {
+    return file_.isWritable() || (!isTooSoon(sinceFailedOpen_) && open(QIODevice::Append));
+}
+
+bool LogFile::isLinkCheckDue(const Timestamp& now) {
+    const ptimeval moment = now.moment();
+    const long long milliseconds = moment.tv_sec * 1000 + moment.tv_usec / 1000;
+    if (std::abs(milliseconds - lastLinkCheck_) < retryIntervalMs)
+        return false;
+    lastLinkCheck_ = milliseconds;
+    return true;
+}
+
+void LogFile::reopenIfDeleted() {
+    if (!file_.isWritable() || platform::isLinked(file_))
+        return;
+    file_.close();
+    open(QIODevice::Append);
 }
 
 void LogFile::rotateFile() {
     if (isTooSoon(sinceFailedRotation_))
         return;
+    const DeviceWriteScope scope(*this);
     // Windows renames no file that is open.
     file_.close();
     if (!platform::replaceFile(fileName_, olderFileName(fileName_))) {
@@ -207,7 +214,8 @@ void LogFile::rotateFile() {
 void LogFile::writeBuffer() {
     if (!file_.isWritable())
         return;
-    const qint64 written = file_.write(buffer_);
+    const DeviceWriteScope scope(*this);
+    const qint64 written = platform::appendToFile(file_, buffer_.constData(), buffer_.size());
     if (written == buffer_.size())
         buffer_.truncate(0);  // unlike clear(), keeps the memory
     else if (written > 0)

@@ -7,8 +7,6 @@
 #include <QtCore/QMutex>
 #include <QtCore/QTimer>
 
-#include <optional>
-
 namespace pylon::plog {
 
 /// Writes the byte form of each item into a file, in batches, and keeps the file from growing
@@ -22,9 +20,9 @@ namespace pylon::plog {
 ///
 /// Trouble with the file is never reported and never ends the log. While the file cannot be opened,
 /// lines are dropped; opening is tried again every 500 ms. While the disk is full, lines wait in
-/// memory, up to 1 MiB, before new ones are dropped. A file that someone deletes is made anew.
-/// While the older file cannot be replaced, the log goes on in the file it has. Whatever happens, a
-/// later line is a whole line.
+/// memory, up to 1 MiB, before new ones are dropped. A file that someone deletes is made anew, at
+/// the next line or, where lines are gathered, within half a second. While the older file cannot be
+/// replaced, the log goes on in the file it has. Whatever happens, a later line is a whole line.
 ///
 /// Thread-safety: every member may be called on any thread. The device is to be destroyed while no
 /// thread logs to it.
@@ -72,11 +70,10 @@ private slots:
     void timeout();
 
 private:
-    struct Guard;
-
     bool open(QIODevice::OpenMode mode);
-    /// Size of the file, opened again if need be; nothing while it cannot be written.
-    std::optional<qint64> writableSize();
+    bool ensureOpen();
+    bool isLinkCheckDue(const Timestamp& now);
+    void reopenIfDeleted();
     void rotateFile();
     void writeBuffer();
 
@@ -93,6 +90,8 @@ private:
     // Since the last attempt that failed; invalid when there was none.
     QElapsedTimer sinceFailedOpen_;
     QElapsedTimer sinceFailedRotation_;
+    // Milliseconds since the epoch.
+    long long lastLinkCheck_ = 0;
 };
 
 /// Moves the files of all file devices of the log manager to a folder; see LogFile::changeLogDir().

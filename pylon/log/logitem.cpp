@@ -17,7 +17,8 @@ bool LogItem::use_pretty_function_ = true;
 
 namespace {
 
-constexpr int prefixSize = 512;
+// A prefix of 512 characters less a terminator that is not written.
+constexpr std::size_t maxPrefixSize = 511;
 constexpr int timeTextSize = 64;
 
 constexpr std::size_t levelWidth = 5;
@@ -34,7 +35,7 @@ constexpr std::string_view bytesArrow = "----------------------------> ";
 
 LogItem::LogItem(LogLevel level, Module module, unsigned int submods, const char* moduleName,
                  const char* function, const char* prettyFunction, const void* object,
-                 const QByteArray& context, const QByteArray& message)
+                 const QByteArray& context, QByteArray message)
     : level_(level),
       module_(module),
       submods_(submods),
@@ -44,7 +45,7 @@ LogItem::LogItem(LogLevel level, Module module, unsigned int submods, const char
       prettyFunction_(prettyFunction),
       object_(object),
       context_(context),
-      message_(message) {}
+      message_(std::move(message)) {}
 
 LogItem::LogItem(const QString& text)
     : level_(Info),
@@ -58,11 +59,32 @@ LogItem::LogItem(const QString& text)
       textCache_(text),
       bytesCache_(text.toUtf8()) {}
 
+LogItem::LogItem(const LogItem& other)
+    : level_(other.level_),
+      module_(other.module_),
+      submods_(other.submods_),
+      timestamp_(other.timestamp_),
+      moduleName_(other.moduleName_),
+      function_(other.function_),
+      prettyFunction_(other.prettyFunction_),
+      object_(other.object_),
+      context_(other.context_),
+      message_(other.message_),
+      textCache_(other.textCache_),
+      bytesCache_(other.bytesCache_) {
+    // The message may stand in a large buffer that a thread uses again and again.
+    message_.squeeze();
+}
+
+LogItem& LogItem::operator=(const LogItem& other) {
+    return *this = LogItem(other);
+}
+
 QString& LogItem::toString() const {
     if (!textCache_.isEmpty())
         return textCache_;
-    char prefix[prefixSize];
-    const int length = writePrefix(prefix, prefixSize, Form::Text);
+    char prefix[maxPrefixSize];
+    const qsizetype length = writePrefix(prefix, Form::Text);
     textCache_.reserve(qsizetype(textArrow.size()) + length + message_.size());
     if (module_ == Test)
         textCache_ += QLatin1String(textArrow.data(), qsizetype(textArrow.size()));
@@ -72,37 +94,44 @@ QString& LogItem::toString() const {
 }
 
 QByteArray& LogItem::toCString() const {
-    if (!bytesCache_.isEmpty())
-        return bytesCache_;
-    char prefix[prefixSize];
-    const int length = writePrefix(prefix, prefixSize, Form::Bytes);
-    const std::string_view arrow = module_ == Test ? bytesArrow : std::string_view();
-    QByteArray line(length + qsizetype(arrow.size()) + message_.size(), Qt::Uninitialized);
-    char* end = std::copy_n(prefix, length, line.data());
-    end = std::copy_n(arrow.data(), arrow.size(), end);
-    std::copy_n(message_.constData(), message_.size(), end);
-    bytesCache_ = std::move(line);
+    if (bytesCache_.isEmpty())
+        appendLine(bytesCache_);
     return bytesCache_;
 }
 
-int LogItem::writePrefix(char* buffer, int size, Form form) const {
-    char time[timeTextSize];
-    const int timeLength = timestamp_.toDefaultString(time, timeTextSize);
+void LogItem::appendTo(QByteArray& out) const {
+    if (bytesCache_.isEmpty())
+        appendLine(out);
+    else
+        out.append(bytesCache_);
+}
 
-    ColumnWriter line(buffer, static_cast<std::size_t>(size - 1));
+void LogItem::appendLine(QByteArray& out) const {
+    const std::string_view arrow = module_ == Test ? bytesArrow : std::string_view();
+    const qsizetype start = out.size();
+    out.resize(start + qsizetype(maxPrefixSize + arrow.size()) + message_.size());
+    char* end = out.data() + start;
+    end += writePrefix(end, Form::Bytes);
+    end = copyShort(arrow.data(), arrow.size(), end);
+    end = copyShort(message_.constData(), static_cast<std::size_t>(message_.size()), end);
+    out.truncate(end - out.data());
+}
+
+qsizetype LogItem::writePrefix(char* buffer, Form form) const {
+    ColumnWriter line(buffer, maxPrefixSize);
     line.put("[");
-    line.put({time, static_cast<std::size_t>(std::max(timeLength, 0))});
+    line.advance(std::max(timestamp_.toDefaultString(buffer + line.length(), timeTextSize), 0));
     line.put("][");
     line.right<levelWidth>(logLevelShortName(level_));
     line.put("][");
     line.right<moduleWidth>(shownText(moduleName_, line.room()));
     line.put("][P:");
-    line.hex<4>(getShortProcessId());
+    line.hex4(getShortProcessId());
     line.put("][T:");
-    line.hex<4>(getShortThreadId());
+    line.hex4(getShortThreadId());
     if (form == Form::Bytes) {
         line.put("][O:");
-        line.hex<8>(reinterpret_cast<std::uintptr_t>(object_));
+        line.hex8(static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(object_)));
     }
     line.put("]");
     if (context_.isEmpty()) {
@@ -114,7 +143,7 @@ int LogItem::writePrefix(char* buffer, int size, Form form) const {
     }
     line.leftCut<functionWidth>(shownText(function(), functionWidth));
     line.put(": ");
-    return static_cast<int>(line.length());
+    return static_cast<qsizetype>(line.length());
 }
 
 unsigned short LogItem::getShortProcessId() {

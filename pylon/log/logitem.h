@@ -31,10 +31,17 @@ public:
     /// @param message the formatted message, UTF-8.
     LogItem(LogLevel level, Module module, unsigned int submods, const char* moduleName,
             const char* function, const char* prettyFunction, const void* object,
-            const QByteArray& context, const QByteArray& message);
+            const QByteArray& context, QByteArray message);
 
     /// A finished line, returned by both forms as it stands. Its stamp is not set.
     explicit LogItem(const QString& text);
+
+    /// Copies take no more memory than they need, which the original may, being made for speed.
+    LogItem(const LogItem& other);
+    LogItem& operator=(const LogItem& other);
+    LogItem(LogItem&& other) noexcept = default;
+    LogItem& operator=(LogItem&& other) noexcept = default;
+    ~LogItem() = default;
 
     LogLevel logLevel() const { return level_; }
     Module module() const { return module_; }
@@ -59,6 +66,9 @@ public:
     /// The reference lives as long as the item.
     QByteArray& toCString() const;
 
+    /// Appends the line that toCString() gives to @p out, without keeping it in the item.
+    void appendTo(QByteArray& out) const;
+
     /// @name Display switches
     /// Process-wide; set them before other threads log. Only usePrettyFunction() changes any
     /// output; the columns of a line are fixed.
@@ -79,13 +89,16 @@ public:
     /// @}
 
 private:
+    friend class LogClientBase;
+
     static unsigned short getShortProcessId();
     static unsigned short getShortThreadId();
 
     enum class Form { Text, Bytes };
-    /// Writes the prefix of a line into @p buffer.
-    /// @return its length, below @p size.
-    int writePrefix(char* buffer, int size, Form form) const;
+    /// Writes the prefix of a line into a buffer of maxPrefixSize characters.
+    /// @return its length.
+    qsizetype writePrefix(char* buffer, Form form) const;
+    void appendLine(QByteArray& out) const;
 
     LogLevel level_;
     Module module_;

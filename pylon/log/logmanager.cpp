@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <mutex>
+#include <utility>
 
 namespace pylon {
 
@@ -61,10 +62,28 @@ void writeTo(LogDevice& device, const LogItem& item) {
     }
 }
 
-// The walk holds a list of its own: a device may change the manager's from inside write().
-void writeToAll(const QList<QSharedPointer<LogDevice>> devices, const LogItem& item) {
-    for (const QSharedPointer<LogDevice>& device : devices)
-        writeTo(*device, item);
+using Devices = QList<QSharedPointer<LogDevice>>;
+
+/// Lists that this thread changed from inside a walk, as they were, so that the walk can go on over
+/// them. Null outside such walks. Walks hold no reference of their own: counting it would make all
+/// threads that log write to one place.
+thread_local QList<Devices>* retiredLists = nullptr;
+
+/// To be called before a list is changed.
+void retire(const Devices& devices) {
+    if (!DeviceWriteScope::isInsideAny())
+        return;
+    if (!retiredLists)
+        retiredLists = new QList<Devices>;
+    retiredLists->append(devices);
+}
+
+void writeToAll(const Devices& list, const LogItem& item) {
+    const auto end = list.cend();
+    for (auto device = list.cbegin(); device != end; ++device)
+        writeTo(**device, item);
+    if (retiredLists && !DeviceWriteScope::isInsideAny())
+        delete std::exchange(retiredLists, nullptr);
 }
 
 }  // namespace
@@ -137,31 +156,37 @@ unsigned int LogManager::enabledSubmodules(Module module) const {
 void LogManager::addLogDevice(const QSharedPointer<LogDevice>& device) {
     if (!device || logDevicesList_.contains(device))
         return;
+    retire(logDevicesList_);
     logDevicesList_.append(device);
     writeLogStartupHeader(device);
 }
 
 void LogManager::removeLogDevice(const QSharedPointer<LogDevice>& device) {
+    retire(logDevicesList_);
     logDevicesList_.removeAll(device);
 }
 
 void LogManager::clearLogDevices() {
+    retire(logDevicesList_);
     logDevicesList_.clear();
 }
 
 void LogManager::addRawDevice(const QSharedPointer<LogDevice>& device) {
     if (!device)
         return;
+    retire(rawDevicesList_);
     rawDevicesList_.append(device);
     hasRawDevices_ = true;
 }
 
 void LogManager::removeRawDevice(const QSharedPointer<LogDevice>& device) {
+    retire(rawDevicesList_);
     rawDevicesList_.removeAll(device);
     hasRawDevices_ = !rawDevicesList_.isEmpty();
 }
 
 void LogManager::clearRawDevices() {
+    retire(rawDevicesList_);
     rawDevicesList_.clear();
     hasRawDevices_ = false;
 }

@@ -19,11 +19,13 @@ namespace {
 
 constexpr std::string_view microsecondConversion = "%06u";
 constexpr std::size_t microsecondDigits = 6;
+constexpr std::size_t textSize = Timestamp::FMTBUF_SIZE;
 constexpr std::size_t maxNumberDigits = std::numeric_limits<unsigned>::digits10 + 1;
 
-/// The text of one second, up to the place where the microseconds go.
+/// The text of one second, up to the place where the microseconds go, in a buffer of FMTBUF_SIZE
+/// characters.
 struct SecondText {
-    char text[Timestamp::FMTBUF_SIZE];
+    char* text;
     std::size_t length = 0;
     bool takesMicroseconds = true;
 };
@@ -54,7 +56,7 @@ bool loadCached(long long seconds, SecondText& result) {
         return false;
     std::size_t length = 0;
     char c = '\0';
-    for (; length < sizeof result.text; ++length) {
+    for (; length < textSize; ++length) {
         c = cachedChar(length).load(std::memory_order_acquire);
         if (c == '\0' || c == microsecondConversion[0])
             break;
@@ -85,7 +87,7 @@ bool convertSecond(long long seconds, SecondText& result) {
     std::tm calendar{};
     if (!platform::localTime(seconds, calendar))
         return false;
-    result.length = std::strftime(result.text, sizeof result.text, "%H:%M:%S.", &calendar);
+    result.length = std::strftime(result.text, textSize, "%H:%M:%S.", &calendar);
     return result.length > 0;
 }
 
@@ -99,14 +101,19 @@ char* appendMicroseconds(char* out, int microseconds) {
     return out + microsecondDigits;
 }
 
-int writeBounded(const char* text, std::size_t length, char* buffer, int size) {
-    const std::size_t room = size > 0 ? static_cast<std::size_t>(size) : 0;
-    std::copy_n(text, std::min(length, room), buffer);
-    if (length > room)
-        return -1;
-    if (length < room)
-        buffer[length] = '\0';
-    return static_cast<int>(length);
+/// Renders into a buffer of FMTBUF_SIZE + maxNumberDigits characters.
+/// @return the length, -1 when the second has no local time.
+int render(long long seconds, int microseconds, char* buffer) {
+    SecondText second{buffer};
+    if (!loadCached(seconds, second)) {
+        if (!convertSecond(seconds, second))
+            return -1;
+        storeCached(seconds, second);
+    }
+    char* end = buffer + second.length;
+    if (second.takesMicroseconds)
+        end = appendMicroseconds(end, microseconds);
+    return static_cast<int>(end - buffer);
 }
 
 }  // namespace
@@ -167,17 +174,17 @@ long long Timestamp::elapsedIn(int unitsPerSecond) const {
 int Timestamp::toDefaultString(char* buffer, int size) const {
     if (seconds_ == 0)
         return 0;
-    SecondText second;
-    if (!loadCached(seconds_, second)) {
-        if (!convertSecond(seconds_, second))
-            return -1;
-        storeCached(seconds_, second);
-    }
-    char text[FMTBUF_SIZE + maxNumberDigits];
-    char* end = std::copy_n(second.text, second.length, text);
-    if (second.takesMicroseconds)
-        end = appendMicroseconds(end, microseconds_);
-    return writeBounded(text, static_cast<std::size_t>(end - text), buffer, size);
+    char text[textSize + maxNumberDigits];
+    const int length = render(seconds_, microseconds_, text);
+    if (length < 0)
+        return -1;
+    const int written = std::min(length, std::max(size, 0));
+    // Not memcpy: wide loads of characters that have just been stored would wait for the stores.
+    for (int i = 0; i < written; ++i)
+        buffer[i] = text[i];
+    if (length < size)
+        buffer[length] = '\0';
+    return length <= size ? length : -1;
 }
 
 }  // namespace pylon

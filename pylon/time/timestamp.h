@@ -26,6 +26,9 @@ public:
     /// A stamp of the given moment; a moment with @c tv_sec 0 is not set.
     explicit Timestamp(const ptimeval& moment);
 
+    /// The moment itself.
+    ptimeval moment() const { return {seconds_, microseconds_}; }
+
     static Timestamp currentTimeStamp();
     static ptimeval currentPTimeVal();
 

@@ -11,9 +11,20 @@ static std::wstring nativePath(const QString& path) {
     return QDir::toNativeSeparators(path).toStdWString();
 }
 
-OpenFileStatus openFileStatus(const QFile& file) {
+qint64 appendToFile(QFile& file, const char* data, qint64 size) {
+    // The position is our own: it does not follow when somebody else cuts the file.
+    if (file.pos() > file.size())
+        file.seek(file.size());
+    return file.write(data, size);
+}
+
+qint64 openFileSize(const QFile& file) {
+    return file.size();
+}
+
+bool isLinked(const QFile&) {
     // QFile opens without sharing for deletion, so nobody can delete the file meanwhile.
-    return {file.size(), true};
+    return true;
 }
 
 bool replaceFile(const QString& from, const QString& to) {
