@@ -97,6 +97,11 @@ void LogFile::write(const LogItem& item) {
         buffer_.truncate(before);
 }
 
+bool LogFile::isOpen() const {
+    const QMutexLocker lock(&mutex_);
+    return file_.isWritable();
+}
+
 void LogFile::flush() {
     if (DeviceWriteScope::isInside(*this))
         return;

@@ -46,6 +46,9 @@ public:
     void write(const LogItem& item) override;
     DeviceType type() const override { return File; }
 
+    /// Whether the file is open; if not, lines are dropped for now.
+    bool isOpen() const;
+
     /// Writes the lines in memory to the file now. Does nothing when called from inside the device.
     void flush();
 

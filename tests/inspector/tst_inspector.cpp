@@ -97,6 +97,7 @@ private slots:
     void information();
     void log_data();
     void log();
+    void logFile();
     void severalFiles();
     void readerGoesAway();
 
@@ -413,6 +414,8 @@ void TestInspector::usageErrors_data() {
     row("unknown name in the log filter: Network{Foo}, Bogus",
         {"--log-filter", "Network{Foo}, Bogus{X}", sample_});
     row("empty module name", {"--log-filter", " , ", sample_});
+    row("from 1 to 1000, not \"1001\"", {"--log", "x", "--log-size", "1001", sample_});
+    row("--log needs the name", {"--log", "", sample_});
     row("longer than 255 bytes", {"--log-filter", QString(256, 'a'), sample_});
     row("longer than 255 bytes", {"--log-filter", "Playback{" + QString(300, 'a'), sample_});
     row("unknown name in the log filter: aaaa", {"--log-filter", QString(255, 'a'), sample_});
@@ -479,6 +482,23 @@ void TestInspector::log() {
         QVERIFY2(run.err.contains(text), text);
     for (const QByteArray& text : absent)
         QVERIFY2(!run.err.contains(text), text);
+}
+
+void TestInspector::logFile() {
+    const QString log = dir_.filePath(QStringLiteral("inspect.log"));
+    for (int run = 1; run <= 2; ++run) {
+        QCOMPARE(inspect({"--summary", "--log", log, "--log-size", "1", sample_}).err,
+                 QByteArray());
+        QFile file(log);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray text = file.readAll();
+        QCOMPARE(text.count("154 frames up to byte 822249\n#"), run);
+        QCOMPARE(text.count("} Shutdown at "), run);
+        QVERIFY(text.startsWith("\n#") && text.endsWith(" ###############################"));
+    }
+    const Run refused = inspect({"--log", dir_.filePath(QStringLiteral("no/folder.log")), sample_});
+    QCOMPARE(refused.status, 1);
+    QVERIFY(refused.err.startsWith("pylon-inspect: cannot write the log file "));
 }
 
 void TestInspector::severalFiles() {

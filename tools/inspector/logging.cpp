@@ -2,12 +2,13 @@
 
 #include <QtCore/qstringlist.h>
 #include <pylon/log/logconsole.h>
+#include <pylon/log/logfile.h>
+#include <pylon/log/logfilter.h>
 #include <pylon/log/loglevel.h>
 #include <pylon/log/logmanager.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 
 #include "text.h"
 
@@ -20,9 +21,6 @@ plog::LogClient<plog::Playback> client;
 constexpr plog::LogLevel levels[] = {plog::Trace, plog::Debug,  plog::Info,    plog::Warn,
                                      plog::Error, plog::Timing, plog::Startup, plog::Graphics};
 
-// The filter parser of the library ends the process at a name that does not fit its buffer.
-constexpr qsizetype filterNameBuffer = 256;
-
 unsigned int levelNamed(const QString& name) {
     if (name.compare(QLatin1String("all"), Qt::CaseInsensitive) == 0)
         return plog::maxLogLevel();
@@ -32,20 +30,6 @@ unsigned int levelNamed(const QString& name) {
             return level;
     }
     return 0;
-}
-
-bool hasOverlongName(const QByteArray& filter) {
-    bool inBraces = false;
-    qsizetype length = 0;
-    for (const char c : filter) {
-        const bool ends = std::strchr(inBraces ? ", }" : ", \t{", c) != nullptr;
-        length = ends ? 0 : length + 1;
-        if (length >= filterNameBuffer)
-            return true;
-        if (ends && (c == '{' || c == '}'))
-            inBraces = c == '{';
-    }
-    return false;
 }
 
 }  // namespace
@@ -75,27 +59,43 @@ std::optional<unsigned int> parseLogLevels(const QString& list, QString* error) 
     return {};
 }
 
-bool startLogging(const LogOptions& options, QString* error) {
+bool applyFilter(const LogOptions& options, QString* error) {
+    plog::LogManager& manager = *plog::LogManager::instance();
+    manager.setLogLevel(options.levels);
+    if (!options.filter)
+        return true;
+    if (plog::LogFilter::hasOverlongName(*options.filter)) {
+        *error = QStringLiteral("a name in the log filter is longer than %1 bytes")
+                     .arg(plog::LogFilter::maxNameBytes);
+        return false;
+    }
+    QString unknown;
+    if (manager.setFilter(*options.filter, &unknown))
+        return true;
+    *error = unknown.isEmpty()
+                 ? QStringLiteral("the log filter contains an empty module name")
+                 : QStringLiteral("unknown name in the log filter: ") + printable(unknown);
+    return false;
+}
+
+bool openLog(const LogOptions& options, QString* error) {
     if (!options.enabled)
         return true;
-    plog::LogManager& manager = *plog::LogManager::instance();
-    if (options.filter) {
-        if (hasOverlongName(options.filter->toUtf8())) {
-            *error = QStringLiteral("a name in the log filter is longer than %1 bytes")
-                         .arg(filterNameBuffer - 1);
-            return false;
-        }
-        QString unknown;
-        if (!manager.setFilter(*options.filter, &unknown)) {
-            *error = unknown.isEmpty()
-                         ? QStringLiteral("the log filter contains an empty module name")
-                         : QStringLiteral("unknown name in the log filter: ") + printable(unknown);
-            return false;
-        }
-    }
     plog::LogItem::usePrettyFunction(false);  // the full signatures do not fit their column
-    manager.setLogLevel(options.levels);
-    manager.addLogDevice(QSharedPointer<plog::LogConsole>::create(stderr, true));
+    QSharedPointer<plog::LogDevice> device;
+    if (options.file.isEmpty()) {
+        device = QSharedPointer<plog::LogConsole>::create(stderr, true);
+    } else {
+        const auto file =
+            QSharedPointer<plog::LogFile>::create(options.file, QIODevice::Append, false);
+        file->setMaxFileSize(options.maxFileSize * 1024 * 1024);
+        if (!file->isOpen()) {
+            *error = QStringLiteral("cannot write the log file ") + printable(options.file);
+            return false;
+        }
+        device = file;
+    }
+    plog::LogManager::instance()->addLogDevice(device);
     return true;
 }
 

@@ -16,7 +16,9 @@ inline constexpr unsigned int streamSubModule = 2048;
 /// error stays silent.
 struct LogOptions {
     bool enabled = false;
-    unsigned int levels;  ///< Mask of LogLevel bits.
+    QString file;              ///< Where to log; empty for standard error.
+    qint64 maxFileSize = 100;  ///< Of that file before it is rotated, in MiB, 1 to 1000.
+    unsigned int levels;       ///< Mask of LogLevel bits.
     std::optional<QString> filter;
 
     LogOptions();
@@ -29,8 +31,12 @@ plog::LogClientBase& logClient();
 /// "all". @return nothing, and in @p error the unknown names, if there are any.
 std::optional<unsigned int> parseLogLevels(const QString& list, QString* error);
 
-/// Applies @p options to the log manager. To be called once.
+/// Applies the filter and the levels of @p options to the log manager.
 /// @return false, with the unknown names in @p error, for a filter that means nothing.
-bool startLogging(const LogOptions& options, QString* error);
+bool applyFilter(const LogOptions& options, QString* error);
+
+/// Starts the log that @p options ask for, if any.
+/// @return false, with the reason in @p error, when its file cannot be written.
+bool openLog(const LogOptions& options, QString* error);
 
 }  // namespace pylon::inspector

@@ -40,7 +40,11 @@ int main(int argc, char* argv[]) {
         case Options::Action::Inspect:
             break;
     }
-    if (!startLogging(options->log, &error))
+    if (!applyFilter(options->log, &error))
         return refuse(error);
+    if (!openLog(options->log, &error)) {
+        complain(error);
+        return InputFailed;
+    }
     return inspect(*options);
 }

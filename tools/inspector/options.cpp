@@ -27,6 +27,8 @@ Selection, each may be given more than once:
   --type C           only frames of type C, such as V (video) or a (audio)
 
 Log, on standard error; silent unless one of these is given:
+  --log FILE         append the log to FILE instead
+  --log-size MIB     rotate that file when it is larger, 1 to 1000 MiB (default 100)
   --verbose          what is being done, in detail: adds the level DEBUG
   --log-level LIST   these levels instead of INFO, WARN and ERROR, for example
                      trace,info; TRACE has a line a frame, "all" means every level
@@ -50,7 +52,8 @@ failed; 2 the command line is wrong.
 )";
 
 constexpr const char* flags[] = {"help", "h", "version", "json", "summary", "zones", "verbose"};
-constexpr const char* valueOptions[] = {"zone", "camera", "type", "log-level", "log-filter"};
+constexpr const char* valueOptions[] = {"zone",       "camera", "type",    "log-level",
+                                        "log-filter", "log",    "log-size"};
 
 void addOptions(QCommandLineParser& parser) {
     for (const char* name : flags)
@@ -132,7 +135,17 @@ private:
 
     bool readLog() {
         LogOptions& log = options_.log;
-        log.enabled = isSet("verbose") || isSet("log-level") || isSet("log-filter");
+        log.enabled = isSet("verbose") || isSet("log-level") || isSet("log-filter") || isSet("log");
+        log.file = value("log");
+        if (isSet("log") && log.file.isEmpty())
+            return refuse(QStringLiteral("--log needs the name of a file"));
+        if (isSet("log-size")) {
+            bool ok = false;
+            log.maxFileSize = value("log-size").toLongLong(&ok);
+            if (!ok || log.maxFileSize < 1 || log.maxFileSize > 1000)
+                return refuse(QStringLiteral("--log-size needs a number from 1 to 1000, not \"%1\"")
+                                  .arg(printable(value("log-size"))));
+        }
         if (isSet("log-level")) {
             const auto levels = parseLogLevels(value("log-level"), &error_);
             if (!levels)
