@@ -13,6 +13,8 @@
 #include <memory>
 #include <string>
 
+class QFile;
+
 namespace pylon {
 
 class ImageBase;
@@ -257,6 +259,44 @@ public:
     /// its end, and sets the size field to the length of all of it. Pass an empty @p out to get
     /// the frame; one longer than 67,108,863 bytes cannot be read back.
     void generateNetworkImage(QByteArray& out, ImageHeaderVersion version) const;
+    /// @}
+
+    /// @name Dump files
+    /// A dump holds one block of bytes, normally a frame as received, under a name that tells what
+    /// is in the header of the frame.
+    /// @{
+
+    /// Writes @p size bytes at @p data to a file in the folder TestServerData/unit/images of the
+    /// user's home directory, or for frames of camera 255 in its subfolder event; the folder must
+    /// exist. A file of that name is overwritten. Whether the file could be opened is told by one
+    /// line on standard output, nothing else is reported.
+    ///
+    /// The name is
+    ///
+    ///     img-A_B_C-TIME_OFFSET_ZONE-TYPE-KEY-CHANNEL-CAMERA-TRACK-RATE-FLAGS-ENCRYPTED-RECEIVED-
+    ///     SIZE-IMAGESIZE-PAYLOADSIZE-SUM-L0-L1-L2-L3-L4-L5-L6-LINKED-S3-S6-S0-S1-NAME.bin
+    ///
+    /// without a line break: @p a, @p b and @p c as given, KEY "i" for a key frame and "p" for any
+    /// other, ENCRYPTED and RECEIVED "1" or "0", Ln the length of slot n, LINKED the
+    /// linkedAudioCameraID(), SUM and Sn the sum of the bytes of the payload and of slot n, and
+    /// NAME the camera name with "_" for blanks. All numbers are decimal. The sums take bytes as
+    /// signed and print modulo 2^64, so that one byte 0xFF sums up to 18446744073709551615.
+    ///
+    /// A name with a path separator in it, as a camera name may bring, is never opened.
+    static void dump(const char* data, quint32 size, const Image& frame, quint32 a, quint32 b,
+                     quint32 c);
+
+    /// Replaces the frame by the one in the file at @p path, which must hold exactly that frame.
+    /// @return false when the file cannot be opened; the frame is then unchanged.
+    /// @throws std::runtime_error as loadFromData().
+    bool undump(const QString& path);
+
+    /// Looks ahead for the length in bytes of the next frame in @p file, a sequence of network
+    /// frames that is open for reading; its position stays where it is.
+    /// @param[out] size the length, which is also returned.
+    /// @throws std::runtime_error "Unknown header protocol" (also when fewer than four bytes are
+    ///     left) and "Protocol support dropped"; @p size is then unchanged.
+    quint32 determineSizeFromFile(QFile& file, quint32& size) const;
     /// @}
 
 private:
