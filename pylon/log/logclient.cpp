@@ -95,12 +95,10 @@ void LogClientBase::log(LogLevel level, const char* function, const char* pretty
     QByteArray message = buffer ? std::move(*buffer) : QByteArray();
     va_list values;
     va_start(values, sentinel);
-    if (first.type == Arg::String)
-        formatMessage(message, first.str(), values);
-    else if (second.type == Arg::String)
-        formatMessage(message, va_arg(values, const char*), values);
-    else
-        message.truncate(0);
+    const char* const format = first.type == Arg::String    ? first.str()
+                               : second.type == Arg::String ? va_arg(values, const char*)
+                                                            : "";
+    formatMessage(message, format, values);
     va_end(values);
 
     LogItem item(level, module_, submods, name_, function, prettyFunction, object, tag,
