@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -175,5 +176,25 @@ void latency(benchmark::State& state) {
     state.counters["p99.9_ns"] = percentile(0.999);
 }
 BENCHMARK(latency)->Name("Latency/LogFile")->Iterations(200'000);
+
+long residentKiB() {
+    std::ifstream status("/proc/self/statm");
+    long size = 0, resident = 0;
+    status >> size >> resident;
+    return resident * sysconf(_SC_PAGESIZE) / 1024;
+}
+
+void memory(benchmark::State& state) {
+    openLogFile();
+    int number = 0;
+    for (int i = 0; i < 1000; ++i)
+        logLine(++number);
+    const long before = residentKiB();
+    for (auto _ : state)
+        logLine(++number);
+    state.counters["growth_KiB"] = static_cast<double>(residentKiB() - before);
+    closeLogFile();
+}
+BENCHMARK(memory)->Name("Memory/MillionLines")->Iterations(1'000'000);
 
 }  // namespace

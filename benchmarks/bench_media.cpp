@@ -50,7 +50,7 @@ void FrameFrom64KiB(benchmark::State& state) {
         benchmark::DoNotOptimize(frame);
     }
 }
-BENCHMARK(FrameFrom64KiB);
+BENCHMARK(FrameFrom64KiB)->Name("Frame64KiB/Image");
 
 void Peer_AllocAndCopy64KiB(benchmark::State& state) {
     const QByteArray bytes = largeFrame();
@@ -62,7 +62,7 @@ void Peer_AllocAndCopy64KiB(benchmark::State& state) {
         benchmark::ClobberMemory();
     }
 }
-BENCHMARK(Peer_AllocAndCopy64KiB);
+BENCHMARK(Peer_AllocAndCopy64KiB)->Name("Frame64KiB/Peer_AllocAndCopy");
 
 void SmallFrame(benchmark::State& state) {
     const QByteArray bytes = networkFrame(smallPayloadSize);
@@ -71,7 +71,7 @@ void SmallFrame(benchmark::State& state) {
         benchmark::DoNotOptimize(frame);
     }
 }
-BENCHMARK(SmallFrame);
+BENCHMARK(SmallFrame)->Name("SmallFrame/Image");
 
 void Peer_FiveByteArrays(benchmark::State& state) {
     const QByteArray header = frameHeader();
@@ -82,6 +82,6 @@ void Peer_FiveByteArrays(benchmark::State& state) {
         benchmark::DoNotOptimize(copies);
     }
 }
-BENCHMARK(Peer_FiveByteArrays);
+BENCHMARK(Peer_FiveByteArrays)->Name("SmallFrame/Peer_FiveByteArrays");
 
 }  // namespace

@@ -6,6 +6,7 @@ repetitions.
 """
 
 import json
+import re
 import sys
 
 # What a ratio must not exceed: (ours, peer) -> limit.
@@ -16,26 +17,45 @@ LIMITS = {
     ("Disabled/Module", "Peer_qCDebug"): 1.0,
     ("Line/LogItem", "Peer_Snprintf"): 0.4,
     ("Timestamp/WithinSecond", "Peer_LocaltimeStrftimeSnprintf"): 0.15,
+    ("LogFile/Line", "Peer_SpdlogSizeAndFlush"): 0.6,
+    ("LogFile/Line", "Peer_Spdlog"): 1.6,
+    ("LogFile/Line", "Peer_Glog"): 0.5,
+    ("LogFile/Line", "Peer_QtHandlerToQFile"): 0.5,
+    ("LogFile/Line", "Peer_FloorFstatAndWrite"): 1.6,
+    ("LogFileThreads/FourThreads", "Peer_OneThread"): 1.67,
     ("Frame64KiB/Image", "Peer_AllocAndCopy"): 1.2,
     ("SmallFrame/Image", "Peer_FiveByteArrays"): 3.0,
 }
 
 
-def medians(path):
+# What Google Benchmark adds to a name.
+SUFFIXES = re.compile(r"/(real_time|threads:\d+|iterations:\d+|repeats:\d+)")
+
+
+def read(path):
+    """Median time by name, and the counters of those that report any."""
     with open(path, encoding="utf-8") as report:
         runs = json.load(report)["benchmarks"]
-    return {
-        run["run_name"].split("/repeats:")[0]: run["cpu_time"]
-        for run in runs
-        if run.get("aggregate_name") == "median"
-    }
+    times, counters = {}, {}
+    for run in runs:
+        if run.get("aggregate_name") != "median":
+            continue
+        name = SUFFIXES.sub("", run["run_name"])
+        times[name] = run["real_time" if "real_time" in run["run_name"] else "cpu_time"]
+        counters[name] = {
+            key: value
+            for key, value in run.items()
+            if key.endswith(("_ns", "_KiB", "_per_ns"))
+        }
+    return times, counters
 
 
 def main(paths):
+    remarks = []
     print("| Measured | Beside | Ratio | At most |")
     print("|---|---|---|---|")
     for path in paths:
-        times = medians(path)
+        times, counters = read(path)
         for name, time in times.items():
             group, _, case = name.partition("/")
             if case.startswith("Peer_"):
@@ -46,6 +66,10 @@ def main(paths):
                     continue
                 limit = LIMITS.get((name, peer_case), "")
                 print(f"| {name} | {peer_case[5:]} | {time / peer_time:.2f} | {limit} |")
+            remarks += [f"{name}: {key} {value:.4g}" for key, value in counters[name].items()]
+    if remarks:
+        print()
+        print("\n".join(remarks))
 
 
 if __name__ == "__main__":
