@@ -19,7 +19,9 @@
 #include <pylon/log/logmanager.h>
 #include <pylon/log/logmodule.h>
 #include <pylon/log/qtmessagehandler.h>
+#include <pylon/media/audioutils.h>
 #include <pylon/media/byteconversion.h>
+#include <pylon/media/g711.h>
 #include <pylon/media/image.h>
 #include <pylon/media/imagebase.h>
 #include <pylon/media/imageheader.h>
