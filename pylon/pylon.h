@@ -4,6 +4,7 @@
 /// Every public header of the library.
 
 #include <pylon/export.h>
+#include <pylon/geometry/gentools.h>
 #include <pylon/log/arg.h>
 #include <pylon/log/assertions.h>
 #include <pylon/log/logclient.h>
@@ -21,6 +22,7 @@
 #include <pylon/log/qtmessagehandler.h>
 #include <pylon/media/audioutils.h>
 #include <pylon/media/byteconversion.h>
+#include <pylon/media/framereader.h>
 #include <pylon/media/g711.h>
 #include <pylon/media/image.h>
 #include <pylon/media/imagebase.h>
@@ -28,6 +30,7 @@
 #include <pylon/media/imageheaderbase.h>
 #include <pylon/media/lyraimageheaderparser.h>
 #include <pylon/media/lyraimageheaderparserv4.h>
+#include <pylon/media/motionutils.h>
 #include <pylon/platform/osal.h>
 #include <pylon/platform/synchronousprocess.h>
 #include <pylon/time/elapsedtimer.h>

@@ -1,0 +1,119 @@
+#pragma once
+
+#include <QtCore/QtGlobal>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+/// @file
+/// The variable-length codes of difference maps, as tables for coding and decoding. Not part of
+/// the public interface.
+
+namespace pylon::diffmap {
+
+/// Longest code in bits.
+inline constexpr int maxCodeBits = 10;
+
+/// The quotients (cell / step) from first to last have codes of so many bits, counting up.
+struct CodeRange {
+    int first;
+    int last;
+    int bits;
+    unsigned code;
+};
+
+inline constexpr std::array step15Codes = {
+    CodeRange{0, 0, 1, 0b0},       CodeRange{1, 1, 4, 0b1000},  CodeRange{2, 7, 5, 0b10010},
+    CodeRange{8, 15, 6, 0b110000}, CodeRange{16, 16, 3, 0b111},
+};
+
+inline constexpr std::array step8Codes = {
+    CodeRange{0, 0, 1, 0b0},     CodeRange{1, 1, 3, 0b100},      CodeRange{2, 3, 4, 0b1010},
+    CodeRange{4, 7, 5, 0b11000}, CodeRange{8, 15, 7, 0b1110000}, CodeRange{16, 31, 8, 0b11110000},
+};
+
+inline constexpr std::array step4Codes = {
+    CodeRange{0, 0, 1, 0b0},         CodeRange{1, 1, 2, 0b10},          CodeRange{2, 5, 5, 0b11000},
+    CodeRange{6, 11, 8, 0b11100000}, CodeRange{12, 63, 9, 0b111001100},
+};
+
+struct Code {
+    quint16 code;
+    quint8 bits;
+};
+
+/// The code of each cell value.
+using EncodeTable = std::array<Code, 256>;
+
+template <typename Ranges>
+constexpr Code codeOf(const Ranges& ranges, int quotient) {
+    // The greatest quotients of step 15 share a code.
+    const int value = std::min(quotient, ranges.back().last);
+    auto range = ranges.begin();
+    while (range->last < value)
+        ++range;
+    return {static_cast<quint16>(range->code + static_cast<unsigned>(value - range->first)),
+            static_cast<quint8>(range->bits)};
+}
+
+template <typename Ranges>
+constexpr EncodeTable encodeTable(const Ranges& ranges, int step) {
+    EncodeTable table{};
+    for (std::size_t cell = 0; cell < table.size(); ++cell)
+        table[cell] = codeOf(ranges, static_cast<int>(cell) / step);
+    return table;
+}
+
+/// Step 2 has the codes of step 4, each with the lowest bit of its quotient behind it.
+constexpr EncodeTable withOneBitMore(EncodeTable table) {
+    for (std::size_t cell = 0; cell < table.size(); ++cell) {
+        table[cell].code = static_cast<quint16>(table[cell].code << 1 | (cell >> 1 & 1));
+        ++table[cell].bits;
+    }
+    return table;
+}
+
+/// What the next ten bits stand for: all codes that they hold completely, at most eight.
+struct Decoded {
+    std::array<quint8, 8> cells;  ///< 0 behind the last one.
+    quint8 count;                 ///< One or more.
+    quint8 bits;                  ///< Bits of all codes.
+    quint8 firstBits;             ///< Bits of the first one.
+};
+
+using DecodeTable = std::array<Decoded, 1 << maxCodeBits>;
+
+/// The first code of every ten bits.
+constexpr DecodeTable firstCodes(const EncodeTable& codes, int step) {
+    DecodeTable table{};
+    for (int cell = 0; cell < 256; cell += step) {
+        const Code code = codes[static_cast<std::size_t>(cell)];
+        const int unused = maxCodeBits - code.bits;
+        const std::size_t first = std::size_t{code.code} << unused;
+        // Of cells that share a code, the least stands for it.
+        if (table[first].count != 0)
+            continue;
+        for (std::size_t i = 0; i < std::size_t{1} << unused; ++i)
+            table[first + i] = {{static_cast<quint8>(cell)}, 1, code.bits, code.bits};
+    }
+    return table;
+}
+
+constexpr DecodeTable decodeTable(const EncodeTable& codes, int step) {
+    const DecodeTable single = firstCodes(codes, step);
+    DecodeTable table = single;
+    for (std::size_t index = 0; index < table.size(); ++index) {
+        Decoded& decoded = table[index];
+        while (decoded.count < decoded.cells.size()) {
+            const Decoded& next = single[(index << decoded.bits) % table.size()];
+            if (decoded.bits + next.bits > maxCodeBits)
+                break;
+            decoded.cells[decoded.count++] = next.cells[0];
+            decoded.bits = static_cast<quint8>(decoded.bits + next.bits);
+        }
+    }
+    return table;
+}
+
+}  // namespace pylon::diffmap
