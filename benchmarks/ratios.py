@@ -25,6 +25,8 @@ LIMITS = {
     ("LogFileThreads/FourThreads", "Peer_OneThread"): 1.67,
     ("Frame64KiB/Image", "Peer_AllocAndCopy"): 1.2,
     ("SmallFrame/Image", "Peer_FiveByteArrays"): 3.0,
+    ("FrameReader/Cut", "Peer_ReadIntoBuffer"): 1.43,
+    ("FrameReader/CutAndParseHeaders", "Peer_ReadIntoBuffer"): 1.43,
 }
 
 

@@ -86,6 +86,7 @@ private slots:
     void jsonText();
     void damage_data();
     void damage();
+    void resync();
     void table();
     void summary();
     void zone_data();
@@ -265,6 +266,25 @@ void TestInspector::damage() {
     QCOMPARE(piped.out.startsWith("no frames\n"), frames == 0);
 }
 
+// The parts of a recording around damage: a line for each damage, and all other frames shown.
+void TestInspector::resync() {
+    const QByteArray frames = QByteArray(WireFrame{.payload = 100}).repeated(3);
+    const QByteArray bytes = frames + "junk" + frames + QByteArray(30, '\0') + frames + "x";
+    const QByteArrayList expected = {
+        "frame at byte 360: Unknown header protocol; 4 bytes skipped",
+        "frame at byte 724: Unknown header protocol; 30 bytes skipped",
+        "frame at byte 1114: needs 20 bytes for its header, 1 is left; 1 byte skipped",
+    };
+    const QByteArray prefix = "pylon-inspect: standard input: ";
+    const Run run = inspect({"--json", "--resync", "-"}, bytes);
+    QCOMPARE(run.status, 1);
+    QCOMPARE(run.out.count('\n'), 9);
+    QCOMPARE(run.err, prefix + expected.join('\n' + prefix) + '\n');
+    const Run whole = inspect({"--json", "--resync", sample_});
+    QCOMPARE(whole.status, 0);
+    QCOMPARE(whole.out, inspect({"--json", sample_}).out);
+}
+
 void TestInspector::table() {
     const QByteArray bytes =
         QByteArray(
@@ -436,8 +456,8 @@ void TestInspector::information() {
     const Run help = inspect({"--help"});
     QCOMPARE(help.status, 0);
     for (const char* option :
-         {"--json", "--summary", "--zone ", "--zones", "--camera", "--type", "--verbose",
-          "--log-level", "--log-filter", "--version", "NO_COLOR", "Exit status"})
+         {"--json", "--summary", "--zone ", "--zones", "--camera", "--type", "--resync",
+          "--verbose", "--log-level", "--log-filter", "--version", "NO_COLOR", "Exit status"})
         QVERIFY2(help.out.contains(option), option);
     QCOMPARE(inspect({"-h", "--foo"}).status, 2);
     QVERIFY(inspect({"--version"}).out.startsWith("pylon-inspect 6."));

@@ -2,11 +2,11 @@
 
 #include <QtCore/qfile.h>
 #include <pylon/log/logmacros.h>
+#include <pylon/media/framereader.h>
 
 #include <memory>
 
 #include "console.h"
-#include "framesource.h"
 #include "jsonwriter.h"
 #include "summary.h"
 #include "tablewriter.h"
@@ -35,52 +35,74 @@ qint64 sizeOf(const QIODevice& device) {
     return device.isSequential() ? 0 : device.size();
 }
 
+bool reportFailure(Output& output, const QString& name, const QString& reason) {
+    PLOG_WARN(logClient(), nullptr, "%s: %s", qUtf8Printable(name), qUtf8Printable(reason));
+    output.flush();  // on a terminal, what was shown stands above the complaint
+    complain(name + QLatin1String(": ") + reason);
+    return false;
+}
+
+QString damageText(const FrameReader& reader) {
+    return QStringLiteral("frame at byte %1: %2").arg(reader.offset()).arg(reader.reason());
+}
+
 // One input on its way from frames to text.
 class Inspection {
 public:
-    Inspection(const Options& options, Output& output, QIODevice& device)
+    Inspection(const Options& options, Output& output, QIODevice& device, const QString& name)
         : options_(options),
           output_(output),
+          name_(name),
           style_(outputStyle()),
-          source_(device),
+          reader_(device),
           table_(sizeOf(device), options.zone, style_),
           progress_(sizeOf(device), !options.log.enabled) {}
 
-    // False if the input is damaged.
+    // False if the input is damaged, which has then been reported.
     bool run();
 
-    const FrameSource& source() const { return source_; }
+    qint64 offset() const { return reader_.offset(); }
     qint64 frames() const { return frames_; }
 
 private:
     void show();
     void flush();
-    bool readMore();
+    void readMore();
+    bool goOnBehindDamage();
+    void reportDamage();
     void showSummary();
 
     const Options& options_;
     Output& output_;
+    QString name_;
     Style style_;
-    FrameSource source_;
+    FrameReader reader_;
     TableWriter table_;
     Summary summary_;
     Progress progress_;
     qint64 frames_ = 0;
+    QString damage_;  // not reported yet
+    bool damaged_ = false;
+    bool resynchronising_ = false;
 };
 
 bool Inspection::run() {
-    bool whole = true;
     for (bool more = true; more && !output_.ended();) {
-        switch (source_.next()) {
-            case FrameSource::Status::Frame:
+        const FrameReader::Status status = reader_.next();
+        if (status != FrameReader::Status::NeedsData)
+            reportDamage();
+        switch (status) {
+            case FrameReader::Status::Frame:
                 show();
                 break;
-            case FrameSource::Status::NeedsData:
-                more = readMore();
-                whole = more || source_.finish();
+            case FrameReader::Status::NeedsData:
+                readMore();
                 break;
-            case FrameSource::Status::Failed:
-                more = whole = false;
+            case FrameReader::Status::Failed:
+                more = goOnBehindDamage();
+                break;
+            case FrameReader::Status::End:
+                more = false;
                 break;
         }
     }
@@ -88,23 +110,44 @@ bool Inspection::run() {
     if (options_.format != Options::Format::Json)
         showSummary();
     output_.flush();
-    return whole;
+    reportDamage();
+    return !damaged_;
+}
+
+// The report waits until it is known how many bytes were lost.
+bool Inspection::goOnBehindDamage() {
+    damaged_ = true;
+    damage_ = damageText(reader_);
+    resynchronising_ = options_.resync && reader_.resynchronise();
+    return resynchronising_;
+}
+
+void Inspection::reportDamage() {
+    if (damage_.isEmpty())
+        return;
+    if (const qint64 skipped = reader_.skippedBytes(); resynchronising_)
+        damage_ += QStringLiteral("; %1 %2 skipped")
+                       .arg(skipped)
+                       .arg(skipped == 1 ? QLatin1String("byte") : QLatin1String("bytes"));
+    progress_.hide();
+    reportFailure(output_, name_, damage_);
+    damage_.clear();
 }
 
 void Inspection::show() {
-    const Image& image = source_.image();
+    const Image& image = reader_.headerImage();
     ++frames_;
     PLOG_TRACE(logClient(), nullptr, streamSubModule,
-               "frame at byte %lld: camera %u, track %u, %u bytes", source_.offset(),
+               "frame at byte %lld: camera %u, track %u, %u bytes", reader_.offset(),
                image.cameraId(), image.trackId(), image.totalSize());
     if (!options_.selects(image))
         return;
     if (options_.format == Options::Format::Json) {
-        appendJson(output_.buffer(), source_);
+        appendJson(output_.buffer(), reader_);
     } else {
         summary_.add(image);
         if (options_.format == Options::Format::Table)
-            table_.appendFrame(output_.buffer(), source_);
+            table_.appendFrame(output_.buffer(), reader_);
     }
     if (output_.isLarge())
         flush();
@@ -118,13 +161,13 @@ void Inspection::flush() {
 }
 
 // Reading may wait for somebody who writes, so everything known so far is shown first.
-bool Inspection::readMore() {
+void Inspection::readMore() {
     flush();
-    const bool more = source_.fill();
-    progress_.update(source_.offset());
+    if (!reader_.fill())
+        reader_.finish();
+    progress_.update(reader_.offset());
     PLOG_DEBUG(logClient(), nullptr, streamSubModule, "%lld frames so far, buffer of %lld bytes",
-               frames_, static_cast<long long>(source_.capacity()));
-    return more;
+               frames_, static_cast<long long>(reader_.capacity()));
 }
 
 void Inspection::showSummary() {
@@ -138,13 +181,6 @@ void Inspection::showSummary() {
     out.append(summary_.text(options_.zone, style_));
 }
 
-bool reportFailure(Output& output, const QString& name, const QString& reason) {
-    PLOG_WARN(logClient(), nullptr, "%s: %s", qUtf8Printable(name), qUtf8Printable(reason));
-    output.flush();  // on a terminal, what was shown stands above the complaint
-    complain(name + QLatin1String(": ") + reason);
-    return false;
-}
-
 // False if the input could not be opened or is damaged.
 bool inspectFile(const Options& options, Output& output, const QString& file) {
     const QString name = displayName(file);
@@ -153,16 +189,11 @@ bool inspectFile(const Options& options, Output& output, const QString& file) {
     if (!device)
         return reportFailure(output, name, error);
     PLOG_INFO(logClient(), nullptr, "reading %s", qUtf8Printable(name));
-    Inspection inspection(options, output, *device);
+    Inspection inspection(options, output, *device, name);
     const bool whole = inspection.run();
     PLOG_INFO(logClient(), nullptr, streamSubModule, "%s: %lld frames up to byte %lld",
-              qUtf8Printable(name), inspection.frames(), inspection.source().offset());
-    if (whole)
-        return true;
-    return reportFailure(output, name,
-                         QStringLiteral("frame at byte %1: %2")
-                             .arg(inspection.source().offset())
-                             .arg(inspection.source().reason()));
+              qUtf8Printable(name), inspection.frames(), inspection.offset());
+    return whole;
 }
 
 void appendFileHeading(QByteArray& out, const QString& file, bool first) {

@@ -1,8 +1,7 @@
 #include "jsonwriter.h"
 
-#include <pylon/media/image.h>
+#include <pylon/media/framereader.h>
 
-#include "framesource.h"
 #include "text.h"
 
 namespace pylon::inspector {
@@ -32,10 +31,10 @@ void appendSlots(QByteArray& out, const Image& image) {
 
 }  // namespace
 
-void appendJson(QByteArray& out, const FrameSource& source) {
-    const Image& image = source.image();
+void appendJson(QByteArray& out, const FrameReader& reader) {
+    const Image& image = reader.headerImage();
     const char16_t type = image.type();
-    appendField(out, "{\"offset\":", source.offset());
+    appendField(out, "{\"offset\":", reader.offset());
     appendField(out, ",\"size\":", qint64{image.totalSize()});
     appendField(out, ",\"time300\":", image.time());
     appendField(out, ",\"timestampMs\":", image.timestampMSec());
@@ -53,7 +52,7 @@ void appendJson(QByteArray& out, const FrameSource& source) {
     appendField(out, ",\"hidden\":", image.isHidden());
     appendField(out, ",\"dewarped\":", image.isDewarping());
     appendField(out, ",\"encrypted\":", image.isEncrypted());
-    appendField(out, ",\"newKeyRequired\":", source.header().isNewKeyRequired());
+    appendField(out, ",\"newKeyRequired\":", reader.header().isNewKeyRequired());
     appendField(out, ",\"linkedAudioCamera\":", qint64{image.linkedAudioCameraID()});
     appendField(out, ",\"rate\":", qint64{image.rate()});
     appendField(out, ",\"flags\":", qint64{image.flags()});

@@ -2,12 +2,14 @@
 
 #include <QtCore/qbytearray.h>
 
+namespace pylon {
+class FrameReader;
+}
+
 namespace pylon::inspector {
 
-class FrameSource;
-
-/// Appends the current frame of @p source as one JSON object and a line feed. Integers are written
+/// Appends the current frame of @p reader as one JSON object and a line feed. Integers are written
 /// with all their digits; texts are UTF-8.
-void appendJson(QByteArray& out, const FrameSource& source);
+void appendJson(QByteArray& out, const FrameReader& reader);
 
 }  // namespace pylon::inspector

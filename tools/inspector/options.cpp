@@ -22,6 +22,11 @@ Output:
                      where several zones share one: CET, "CST:China"
   --zones            list the known time zones and exit
 
+Reading:
+  --resync           after damage go on at the next thing that looks like a frame and is
+                     followed by two more, or by the end of the input; without this, a
+                     file is read up to its first damage
+
 Selection, each may be given more than once:
   --camera N         only frames of camera N
   --type C           only frames of type C, such as V (video) or a (audio)
@@ -51,7 +56,8 @@ Exit status: 0 everything was read; 1 a file is damaged or cannot be read, or ou
 failed; 2 the command line is wrong.
 )";
 
-constexpr const char* flags[] = {"help", "h", "version", "json", "summary", "zones", "verbose"};
+constexpr const char* flags[] = {"help",    "h",     "version", "json",
+                                 "summary", "zones", "resync",  "verbose"};
 constexpr const char* valueOptions[] = {"zone",       "camera", "type",    "log-level",
                                         "log-filter", "log",    "log-size"};
 
@@ -78,6 +84,7 @@ public:
         if (!readFormat() || !readZone() || !readCameras() || !readTypes() || !readLog() ||
             !readFiles())
             return {};
+        options_.resync = isSet("resync");
         return options_;
     }
 

@@ -1,9 +1,10 @@
 #include "tablewriter.h"
 
+#include <pylon/media/framereader.h>
+
 #include <algorithm>
 #include <array>
 
-#include "framesource.h"
 #include "text.h"
 
 namespace pylon::inspector {
@@ -50,7 +51,7 @@ void appendCamera(QByteArray& out, const Image& image) {
         out.append(fitted(printable(QString::fromUtf8(name)), width).toUtf8());
 }
 
-void appendMarks(QByteArray& out, const FrameSource& source, const Image& image) {
+void appendMarks(QByteArray& out, const FrameReader& reader, const Image& image) {
     const auto append = [&out](const char* mark) {
         out.append(' ');
         out.append(mark);
@@ -61,7 +62,7 @@ void appendMarks(QByteArray& out, const FrameSource& source, const Image& image)
         append("dewarped");
     if (image.isEncrypted())
         append("encrypted");
-    if (source.header().isNewKeyRequired())
+    if (reader.header().isNewKeyRequired())
         append("new-key");
     if (const int camera = image.linkedAudioCameraID(); camera >= 0) {
         append("audio:");
@@ -107,13 +108,13 @@ void TableWriter::appendTime(QByteArray& out, const Image& image) {
     appendCell(out, cell_, columns[Time].width);
 }
 
-void TableWriter::appendFrame(QByteArray& out, const FrameSource& source) {
+void TableWriter::appendFrame(QByteArray& out, const FrameReader& reader) {
     if (!headingDone_) {
         appendHeading(out);
         headingDone_ = true;
     }
-    const Image& image = source.image();
-    appendCell(out, source.offset(), offsetWidth_);
+    const Image& image = reader.headerImage();
+    appendCell(out, reader.offset(), offsetWidth_);
     out.append(gap);
     appendTime(out, image);
     out.append(gap);
@@ -139,7 +140,7 @@ void TableWriter::appendFrame(QByteArray& out, const FrameSource& source) {
     appendCell(out, qint64{image.imageSize()}, columns[Payload].width);
 
     cell_.resize(0);
-    appendMarks(cell_, source, image);
+    appendMarks(cell_, reader, image);
     if (!cell_.isEmpty()) {
         out.append(' ');
         out.append(style_.caution);

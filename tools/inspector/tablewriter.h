@@ -7,9 +7,11 @@
 #include "console.h"
 #include "zones.h"
 
-namespace pylon::inspector {
+namespace pylon {
+class FrameReader;
+}
 
-class FrameSource;
+namespace pylon::inspector {
 
 /// The aligned table with a line a frame. Widths are fixed beforehand, so a frame can be shown as
 /// soon as it is read; a cell that is wider than usual pushes the rest of its line.
@@ -19,8 +21,8 @@ public:
     /// @param zone for all times; without it each frame's own.
     TableWriter(qint64 inputSize, std::optional<Zone> zone, const Style& style);
 
-    /// Appends the line of the current frame of @p source, the first time below a heading.
-    void appendFrame(QByteArray& out, const FrameSource& source);
+    /// Appends the line of the current frame of @p reader, the first time below a heading.
+    void appendFrame(QByteArray& out, const FrameReader& reader);
 
 private:
     void appendHeading(QByteArray& out) const;
