@@ -27,6 +27,19 @@ LIMITS = {
     ("SmallFrame/Image", "Peer_FiveByteArrays"): 3.0,
     ("FrameReader/Cut", "Peer_ReadIntoBuffer"): 1.43,
     ("FrameReader/CutAndParseHeaders", "Peer_ReadIntoBuffer"): 1.43,
+    **{
+        (f"{way}{law}{seconds}s/AudioUtils", "Peer_Libavcodec"): 1.0
+        for way in ("Expand", "Compress")
+        for law in ("MuLaw", "ALaw")
+        for seconds in (1, 10, 60, 600)
+    },
+    **{
+        (f"DiffMapStep{step}/{way}", "Peer_BitByBit"): 0.25
+        for step in (2, 4, 8, 15)
+        for way in ("MotionUtils", "MotionUtilsChecked")
+    },
+    ("EncodeMask/MotionUtils", "Peer_Zlib1"): 0.5,
+    ("DecodeMask/MotionUtils", "Peer_Zlib1"): 0.5,
 }
 
 
