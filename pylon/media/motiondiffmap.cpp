@@ -4,8 +4,7 @@
 #include <QtCore/QtEndian>
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
+#include <array>
 
 namespace pylon {
 
@@ -86,7 +85,7 @@ class CodeReader {
 public:
     CodeReader(const unsigned char* codes, const unsigned char* end) : at_(codes), end_(end) {}
 
-    // Fills the map, which holds 0 everywhere.
+    // Fills the map.
     // @return false when the codes end early.
     bool read(const DecodeTable& table, unsigned char* map, int count) {
         unsigned char* const last = map + count;
@@ -97,7 +96,7 @@ public:
 
 private:
     static constexpr int blockBits = 64;
-    static constexpr int indexShift = blockBits - maxCodeBits;
+    static constexpr int indexShift = blockBits - DecodeTable::indexBits;
     // A block is read from a byte's beginning, so this many bits of it are sure to be new.
     static constexpr int usableBits = blockBits - 7;
 
@@ -108,12 +107,14 @@ private:
         quint64 window = qFromBigEndian<quint64>(at_) << bit_;
         int used = 0;
         do {
-            const Decoded& decoded = table[window >> indexShift];
-            std::memcpy(map, decoded.cells.data(), decoded.cells.size());
-            map += decoded.count;
-            window <<= decoded.bits;
-            used += decoded.bits;
-        } while (used <= usableBits - maxCodeBits);
+            const std::size_t index = window >> indexShift;
+            const quint64 codes = table.codes[index];
+            // The bytes behind the cells decoded are those of cells to come.
+            qToLittleEndian(DecodeTable::cellsOf(codes), map);
+            map += table.counts[index];
+            window <<= DecodeTable::bitsOf(codes);
+            used += DecodeTable::bitsOf(codes);
+        } while (used <= usableBits - DecodeTable::indexBits);
         advance(used);
         return map;
     }
@@ -127,17 +128,18 @@ private:
             valid = 8 - bit_;
         }
         while (map < last) {
-            const Decoded& decoded = table[window >> indexShift];
-            if (decoded.firstBits > valid) {
+            const std::size_t index = window >> indexShift;
+            const int bits = table.firstBits[index];
+            if (bits > valid) {
                 if (at_ == end_)
                     return false;
                 window |= quint64{*at_++} << (blockBits - 8 - valid);
                 valid += 8;
                 continue;
             }
-            *map++ = decoded.cells[0];
-            window <<= decoded.firstBits;
-            valid -= decoded.firstBits;
+            *map++ = static_cast<unsigned char>(DecodeTable::cellsOf(table.codes[index]));
+            window <<= bits;
+            valid -= bits;
         }
         return true;
     }
@@ -171,7 +173,6 @@ bool decodeCells(const Header& header, const unsigned char* codes, const unsigne
     const int count = header.cells();
     if (count == 0)
         return true;
-    std::memset(map, 0, static_cast<std::size_t>(count));
     return CodeReader(codes, end).read(decodeTables[header.stepBits], map, count);
 }
 

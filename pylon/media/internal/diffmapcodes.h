@@ -74,28 +74,37 @@ constexpr EncodeTable withOneBitMore(EncodeTable table) {
     return table;
 }
 
-/// What the next ten bits stand for: all codes that they hold completely, at most eight.
-struct Decoded {
-    std::array<quint8, 8> cells;  ///< 0 behind the last one.
-    quint8 count;                 ///< One or more.
-    quint8 bits;                  ///< Bits of all codes.
-    quint8 firstBits;             ///< Bits of the first one.
+/// What the next #indexBits bits stand for: all codes that they hold completely, at most seven.
+/// Decoding waits for little but the number of bits, so that is where it is quickest to get.
+struct DecodeTable {
+    static constexpr int indexBits = 11;
+    static constexpr int maxCells = 7;
+    static constexpr std::size_t size = std::size_t{1} << indexBits;
+
+    std::array<quint64, size> codes{};     ///< Byte 0: bits of all codes; bytes 1-7: their cells.
+    std::array<quint8, size> counts{};     ///< Number of codes, one or more.
+    std::array<quint8, size> firstBits{};  ///< Bits of the first code.
+
+    static constexpr int bitsOf(quint64 codes) { return static_cast<int>(codes & 0x3F); }
+    static constexpr quint64 cellsOf(quint64 codes) { return codes >> 8; }
 };
+static_assert(maxCodeBits <= DecodeTable::indexBits);
 
-using DecodeTable = std::array<Decoded, 1 << maxCodeBits>;
-
-/// The first code of every ten bits.
+/// The first code alone for every index.
 constexpr DecodeTable firstCodes(const EncodeTable& codes, int step) {
-    DecodeTable table{};
+    DecodeTable table;
     for (int cell = 0; cell < 256; cell += step) {
         const Code code = codes[static_cast<std::size_t>(cell)];
-        const int unused = maxCodeBits - code.bits;
+        const int unused = DecodeTable::indexBits - code.bits;
         const std::size_t first = std::size_t{code.code} << unused;
         // Of cells that share a code, the least stands for it.
-        if (table[first].count != 0)
+        if (table.counts[first] != 0)
             continue;
-        for (std::size_t i = 0; i < std::size_t{1} << unused; ++i)
-            table[first + i] = {{static_cast<quint8>(cell)}, 1, code.bits, code.bits};
+        for (std::size_t i = first; i < first + (std::size_t{1} << unused); ++i) {
+            table.codes[i] = static_cast<quint64>(cell) << 8 | code.bits;
+            table.counts[i] = 1;
+            table.firstBits[i] = code.bits;
+        }
     }
     return table;
 }
@@ -103,15 +112,19 @@ constexpr DecodeTable firstCodes(const EncodeTable& codes, int step) {
 constexpr DecodeTable decodeTable(const EncodeTable& codes, int step) {
     const DecodeTable single = firstCodes(codes, step);
     DecodeTable table = single;
-    for (std::size_t index = 0; index < table.size(); ++index) {
-        Decoded& decoded = table[index];
-        while (decoded.count < decoded.cells.size()) {
-            const Decoded& next = single[(index << decoded.bits) % table.size()];
-            if (decoded.bits + next.bits > maxCodeBits)
+    for (std::size_t index = 0; index < DecodeTable::size; ++index) {
+        int bits = table.firstBits[index];
+        int count = 1;
+        quint64 cells = DecodeTable::cellsOf(single.codes[index]);
+        for (; count < DecodeTable::maxCells; ++count) {
+            const std::size_t next = (index << bits) % DecodeTable::size;
+            if (bits + single.firstBits[next] > DecodeTable::indexBits)
                 break;
-            decoded.cells[decoded.count++] = next.cells[0];
-            decoded.bits = static_cast<quint8>(decoded.bits + next.bits);
+            bits += single.firstBits[next];
+            cells |= DecodeTable::cellsOf(single.codes[next]) << 8 * count;
         }
+        table.codes[index] = cells << 8 | static_cast<quint64>(bits);
+        table.counts[index] = static_cast<quint8>(count);
     }
     return table;
 }
