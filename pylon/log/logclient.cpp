@@ -2,6 +2,7 @@
 #include <pylon/log/logmanager.h>
 #include <pylon/platform/osal.h>
 
+#include <atomic>
 #include <cstdarg>
 #include <cstdio>
 
@@ -14,19 +15,39 @@ namespace {
 // Nearly every message fits; longer ones are formatted a second time at their exact length.
 constexpr qsizetype usualMessageSize = 1024;
 
-/// The buffer that this thread formats its messages in, one after the other, so that a line costs
-/// neither an allocation nor a copy. It travels in the item and comes back, unless a device shares
-/// it; then, and while a line is under way, there is none.
-QByteArray* threadBuffer() {
-    static thread_local bool isGone = false;
-    struct Buffer {
-        ~Buffer() { isGone = true; }
-        QByteArray bytes;
+/// Buffers that messages are formatted in, so that a line costs neither an allocation nor a copy.
+/// One travels in the item and comes back, unless a device shares it.
+///
+/// A thread starts at a place of its own, and nothing belongs to a thread: what ends with one is
+/// not safe to use for all that a thread may log while it ends.
+class MessageBuffers {
+public:
+    /// A buffer with any content, to be given back by put().
+    static QByteArray* take() {
+        QByteArray* const buffer = slot().exchange(nullptr, std::memory_order_acquire);
+        return buffer ? buffer : new QByteArray;
+    }
+
+    static void put(QByteArray* buffer) {
+        delete slot().exchange(buffer, std::memory_order_release);
+    }
+
+private:
+    struct alignas(64) Slot {
+        std::atomic<QByteArray*> buffer;
     };
-    static thread_local Buffer buffer;
-    // Static objects may log after the thread-local ones are gone.
-    return isGone ? nullptr : &buffer.bytes;
-}
+
+    static std::atomic<QByteArray*>& slot() {
+        static std::atomic<unsigned> threads{0};
+        static thread_local unsigned number = 0;
+        if (number == 0)
+            number = ++threads;
+        return slots_[number % slotCount].buffer;
+    }
+
+    static constexpr unsigned slotCount = 16;
+    static inline Slot slots_[slotCount];
+};
 
 int formatInto(QByteArray& message, const char* format, va_list values) {
     va_list copy;
@@ -91,8 +112,8 @@ void LogClientBase::log(LogLevel level, const char* function, const char* pretty
     const QByteArray tag = currentTag();
     const unsigned int submods = first.type == Arg::SubModule ? first.subMod() : defaultSubModule;
 
-    QByteArray* const buffer = threadBuffer();
-    QByteArray message = buffer ? std::move(*buffer) : QByteArray();
+    QByteArray* const buffer = MessageBuffers::take();
+    QByteArray message = std::move(*buffer);
     va_list values;
     va_start(values, sentinel);
     const char* const format = first.type == Arg::String    ? first.str()
@@ -104,8 +125,9 @@ void LogClientBase::log(LogLevel level, const char* function, const char* pretty
     LogItem item(level, module_, submods, name_, function, prettyFunction, object, tag,
                  std::move(message));
     LogManager::instance()->log(item);
-    if (buffer && item.message_.isDetached() && item.message_.size() <= usualMessageSize)
+    if (item.message_.isDetached() && item.message_.size() <= usualMessageSize)
         *buffer = std::move(item.message_);
+    MessageBuffers::put(buffer);
 }
 
 }  // namespace pylon::plog

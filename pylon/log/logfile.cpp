@@ -3,10 +3,10 @@
 #include <pylon/log/logmanager.h>
 #include <pylon/platform/internal/file.h>
 
-#include <QtCore/QAbstractEventDispatcher>
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QThread>
+#include <QtCore/QTimer>
 
 #include <algorithm>
 #include <cstdlib>
@@ -51,39 +51,65 @@ bool isTooSoon(const QElapsedTimer& sinceFailure) {
 
 }  // namespace
 
+/// Ticks for a device as long as there is one: the device may end on one thread while the timer's
+/// thread is about to call it.
+class LogFile::FlushTimer : public QTimer {
+public:
+    explicit FlushTimer(LogFile* file) : file_(file) {
+        connect(this, &QTimer::timeout, this, [this] {
+            const QMutexLocker lock(&mutex_);
+            if (file_)
+                file_->timeout();
+        });
+        // The event loop may only come to be later; started without one, Qt's timer would never
+        // fire.
+        QMetaObject::invokeMethod(
+            this, [this] { start(flushIntervalMs); }, Qt::QueuedConnection);
+    }
+
+    /// Ends the ticking and, in its own thread, the timer.
+    void release() {
+        {
+            const QMutexLocker lock(&mutex_);
+            file_ = nullptr;
+        }
+        const QThread* owner = thread();
+        if (!owner || owner == QThread::currentThread() || owner->isFinished())
+            delete this;
+        else
+            deleteLater();
+    }
+
+private:
+    QMutex mutex_;
+    LogFile* file_;
+};
+
 LogFile::LogFile(const QString& fileName, QIODevice::OpenMode mode, bool flushEachLine)
-    : LogDevice(nullptr),
-      timer_(new QTimer),
-      fileName_(fileName),
-      file_(fileName),
-      flushEachLine_(flushEachLine) {
+    : LogDevice(nullptr), fileName_(fileName), file_(fileName), flushEachLine_(flushEachLine) {
     const bool keepsContent = mode & (QIODevice::Append | QIODevice::ReadOnly);
     open(keepsContent ? mode : mode | QIODevice::Truncate);
-    connect(timer_, &QTimer::timeout, this, &LogFile::timeout);
-    // Without an event loop to come, Qt would warn about a timer that can never fire.
-    if (QAbstractEventDispatcher::instance())
-        timer_->start(flushIntervalMs);
+    timer_ = new FlushTimer(this);
 }
 
 LogFile::~LogFile() {
-    disconnect(timer_, &QTimer::timeout, this, &LogFile::timeout);
+    timer_->release();
+    // A thread that the exiting process ended inside write() never gives the lock back.
+    if (!mutex_.tryLock(1000))
+        return;
     if (file_.isOpen()) {
-        timeout();
-        const QMutexLocker lock(&mutex_);
+        writeBuffer();
         file_.write(LogManager::logShutdownHeader().toUtf8());
         file_.close();
     }
-    if (timer_->thread() == QThread::currentThread())
-        delete timer_;
-    else
-        timer_->deleteLater();
+    mutex_.unlock();
 }
 
 void LogFile::write(const LogItem& item) {
     const QMutexLocker lock(&mutex_);
     if (!ensureOpen())
         return;
-    if (rotate_ && platform::openFileSize(file_) > maxFileSize_)
+    if (rotate_ && !midLine_ && platform::openFileSize(file_) > maxFileSize_)
         rotateFile();
     const qsizetype before = buffer_.size();
     item.appendTo(buffer_);
@@ -92,9 +118,9 @@ void LogFile::write(const LogItem& item) {
         return;
     if (flushEachLine_ || isLinkCheckDue(item.timestamp()))
         reopenIfDeleted();
-    writeBuffer();
-    if (buffer_.size() > maxBacklog)
-        buffer_.truncate(before);
+    const qsizetype written = writeBuffer();
+    if (buffer_.size() > maxBacklog && written <= before)
+        buffer_.truncate(before - written);
 }
 
 bool LogFile::isOpen() const {
@@ -198,6 +224,11 @@ void LogFile::reopenIfDeleted() {
         return;
     file_.close();
     open(QIODevice::Append);
+    if (!midLine_)
+        return;
+    // The beginning of that line is gone.
+    buffer_.remove(0, buffer_.indexOf('\n') + 1);
+    midLine_ = false;
 }
 
 void LogFile::rotateFile() {
@@ -216,15 +247,19 @@ void LogFile::rotateFile() {
         file_.write(LogManager::instance()->logStartupHeader().toUtf8());
 }
 
-void LogFile::writeBuffer() {
-    if (!file_.isWritable())
-        return;
+qsizetype LogFile::writeBuffer() {
+    if (buffer_.isEmpty() || !file_.isWritable())
+        return 0;
     const DeviceWriteScope scope(*this);
-    const qint64 written = platform::appendToFile(file_, buffer_.constData(), buffer_.size());
+    const qsizetype written =
+        qMax(platform::appendToFile(file_, buffer_.constData(), buffer_.size()), qint64{0});
+    if (written > 0)
+        midLine_ = buffer_[written - 1] != '\n';
     if (written == buffer_.size())
         buffer_.truncate(0);  // unlike clear(), keeps the memory
-    else if (written > 0)
+    else
         buffer_.remove(0, written);
+    return written;
 }
 
 namespace {

@@ -5,7 +5,6 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QMutex>
-#include <QtCore/QTimer>
 
 namespace pylon::plog {
 
@@ -14,9 +13,9 @@ namespace pylon::plog {
 ///
 /// Lines gather in memory and go out when 501 bytes are there and every 500 ms; the latter needs
 /// the event loop of the thread that made the device. When the file is larger than maxFileSize() it
-/// becomes the older file, "app-1.log" beside "app.log", and a new one begins with the start-up
-/// banner; only one older file is kept. The shut-down banner ends the file when the device is
-/// destroyed.
+/// becomes the older file, "app-1.log" beside "app.log" ("app-1." beside "app"), and a new one
+/// begins with the start-up banner; only one older file is kept. The shut-down banner ends the file
+/// when the device is destroyed.
 ///
 /// Trouble with the file is never reported and never ends the log. While the file cannot be opened,
 /// lines are dropped; opening is tried again every 500 ms. While the disk is full, lines wait in
@@ -78,16 +77,21 @@ private:
     bool isLinkCheckDue(const Timestamp& now);
     void reopenIfDeleted();
     void rotateFile();
-    void writeBuffer();
+    /// @return how many bytes went from the buffer to the file.
+    qsizetype writeBuffer();
+
+    class FlushTimer;
 
     // Owned; lives in the thread that made the device and is destroyed there.
-    QTimer* timer_;
+    FlushTimer* timer_ = nullptr;
     QString fileName_;
     QFile file_;
     qint64 maxFileSize_ = defaultMaxFileSize;
     bool rotate_ = true;
     bool flushEachLine_;
     QByteArray buffer_;
+    // Whether the disk took only the beginning of the line that the buffer goes on with.
+    bool midLine_ = false;
     // Guards everything above.
     mutable QMutex mutex_;
     // Since the last attempt that failed; invalid when there was none.

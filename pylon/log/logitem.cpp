@@ -72,8 +72,9 @@ LogItem::LogItem(const LogItem& other)
       message_(other.message_),
       textCache_(other.textCache_),
       bytesCache_(other.bytesCache_) {
-    // The message may stand in a large buffer that a thread uses again and again.
-    message_.squeeze();
+    // The message may stand in a large buffer that is used again and again.
+    if (message_.capacity() > 2 * message_.size() + 64)
+        message_.squeeze();
 }
 
 LogItem& LogItem::operator=(const LogItem& other) {

@@ -1,6 +1,7 @@
 #include <pylon/log/internal/devicewritescope.h>
 #include <pylon/log/logfilter.h>
 #include <pylon/log/logmanager.h>
+#include <pylon/log/qtmessagehandler.h>
 #include <pylon/platform/internal/clock.h>
 
 #include <QtCore/QDateTime>
@@ -78,6 +79,18 @@ void retire(const Devices& devices) {
     retiredLists->append(devices);
 }
 
+/// Puts another list in place of one. Devices that end with the old list may log while they do: by
+/// then the new one is in place.
+void replace(Devices& list, Devices other) {
+    retire(list);
+    list.swap(other);
+}
+
+Devices without(Devices devices, const QSharedPointer<LogDevice>& device) {
+    devices.removeAll(device);
+    return devices;
+}
+
 void writeToAll(const Devices& list, const LogItem& item) {
     const auto end = list.cend();
     for (auto device = list.cbegin(); device != end; ++device)
@@ -97,6 +110,23 @@ LogManager* LogManager::instance() {
     return instance_;
 }
 
+LogManager& LogManager::operator=(const LogManager& other) {
+    filter_ = other.filter_;
+    levelMask_ = other.levelMask_;
+    enabledModules_ = other.enabledModules_;
+    // One by one: the masks that clients point at keep their place.
+    for (auto& [module, mask] : enabledSubmodules_)
+        mask = other.enabledSubmodules(module);
+    for (const auto& [module, mask] : other.enabledSubmodules_)
+        enabledSubmodules_[module] = mask;
+    hasRawDevices_ = other.hasRawDevices_;
+    modules_ = other.modules_;
+    logDevicesList_ = other.logDevicesList_;
+    rawDevicesList_ = other.rawDevicesList_;
+    appLogFile_ = other.appLogFile_;
+    return *this;
+}
+
 LogManager::LogManager() : levelMask_(initialLevels) {
     setInfoDebugFlags();
     registerModules();
@@ -108,6 +138,10 @@ LogManager::~LogManager() {
 }
 
 void LogManager::destroyInstance() {
+    removeQtMessageHandler();
+    // While the manager is still there, for devices that log when they end.
+    instance_->clearRawDevices();
+    instance_->clearLogDevices();
     delete instance_;
     instance_ = nullptr;
     delete log_info_instance_;
@@ -117,13 +151,17 @@ void LogManager::destroyInstance() {
 void LogManager::log(const LogItem& item) {
     if (hasRawDevices_)
         writeToAll(rawDevicesList_, item);
-    if (isEnabled(item))
+    if (isEnabled(item.logLevel(), item.module(), item.submods()))
         writeToAll(logDevicesList_, item);
 }
 
-bool LogManager::isEnabled(const LogItem& item) const {
-    return (item.logLevel() & levelMask_) != 0 && (item.module() & enabledModules_) != 0 &&
-           (item.submods() & enabledSubmodules(item.module())) != 0;
+bool LogManager::isEnabled(LogLevel level, Module module, unsigned int submods) const {
+    return (level & levelMask_) != 0 && (module & enabledModules_) != 0 &&
+           (submods & enabledSubmodules(module)) != 0;
+}
+
+bool LogManager::isWanted(LogLevel level, Module module) const {
+    return hasRawDevices_ || isEnabled(level, module, defaultSubModule);
 }
 
 void LogManager::setLogLevel(unsigned int mask) {
@@ -162,13 +200,11 @@ void LogManager::addLogDevice(const QSharedPointer<LogDevice>& device) {
 }
 
 void LogManager::removeLogDevice(const QSharedPointer<LogDevice>& device) {
-    retire(logDevicesList_);
-    logDevicesList_.removeAll(device);
+    replace(logDevicesList_, without(logDevicesList_, device));
 }
 
 void LogManager::clearLogDevices() {
-    retire(logDevicesList_);
-    logDevicesList_.clear();
+    replace(logDevicesList_, {});
 }
 
 void LogManager::addRawDevice(const QSharedPointer<LogDevice>& device) {
@@ -180,15 +216,13 @@ void LogManager::addRawDevice(const QSharedPointer<LogDevice>& device) {
 }
 
 void LogManager::removeRawDevice(const QSharedPointer<LogDevice>& device) {
-    retire(rawDevicesList_);
-    rawDevicesList_.removeAll(device);
+    replace(rawDevicesList_, without(rawDevicesList_, device));
     hasRawDevices_ = !rawDevicesList_.isEmpty();
 }
 
 void LogManager::clearRawDevices() {
-    retire(rawDevicesList_);
-    rawDevicesList_.clear();
     hasRawDevices_ = false;
+    replace(rawDevicesList_, {});
 }
 
 QList<QSharedPointer<LogDevice>> LogManager::logDevices(LogDevice::DeviceType type) const {
@@ -258,7 +292,7 @@ QString LogManager::logShutdownHeader() {
 
 void LogManager::writeLogStartupHeader(const QSharedPointer<LogDevice>& device) {
     if (device)
-        writeTo(*device, LogItem(logStartupHeader()));
+        writeToAll({device}, LogItem(logStartupHeader()));
 }
 
 void LogManager::writeLogStartupHeader() {

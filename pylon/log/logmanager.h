@@ -29,20 +29,22 @@ struct PylonSDKInfo;
 /// enabled, to every log device, in the order in which devices were added.
 ///
 /// A device may add and remove devices while it is being written to: the item in hand still goes to
-/// the devices that were there when it came. What a device logs from inside goes to the other
-/// devices, not back to itself. What a device throws is caught and said once on standard error.
+/// the devices that the list being walked had when it came. What a device logs from inside goes to
+/// the other devices, not back to itself. What a device throws is caught and said once on standard
+/// error.
 ///
 /// Thread-safety: any number of threads may log at once, without a lock on the way. Devices, masks
 /// and filters are to be changed while no other thread logs.
 class PYLON_EXPORT LogManager {
 public:
-    /// The only manager, made on first call; lives until the process exits.
+    /// The only manager, made on first call; lives until the process exits. No other thread may log
+    /// once it does.
     static LogManager* instance();
 
     /// A copy is a manager of its own that shares the original's filter and its devices. Nobody
     /// logs to it.
     LogManager(const LogManager& other) = default;
-    LogManager& operator=(const LogManager& other) = default;
+    LogManager& operator=(const LogManager& other);
 
     /// @name Levels
     /// Each call refreshes the level switches of loglevel.h.
@@ -138,7 +140,9 @@ private:
     static void destroyInstance();
 
     void log(const LogItem& item);
-    bool isEnabled(const LogItem& item) const;
+    /// Whether an item of defaultSubModule would go anywhere.
+    bool isWanted(LogLevel level, Module module) const;
+    bool isEnabled(LogLevel level, Module module, unsigned int submods) const;
     void setInfoDebugFlags();
     void registerModule(Module module, const QSharedPointer<LogModule>& entry, bool enabled,
                         unsigned int submods);

@@ -17,8 +17,11 @@ public:
     static void handle(QtMsgType type, const QMessageLogContext& context, const QString& text);
 
     static inline std::atomic<Module> module{PylonSDK};
-    static inline QtMessageHandler previous = nullptr;
-    static inline bool installed = false;
+    static inline std::atomic<QtMessageHandler> previous{nullptr};
+    static inline std::atomic<bool> installed{false};
+
+private:
+    static void forward(QtMsgType type, const QMessageLogContext& context, const QString& text);
 };
 
 namespace {
@@ -52,7 +55,8 @@ QByteArray fullName(const QMessageLogContext& context) {
         return context.function ? context.function : "Qt";
     const QByteArray path(context.file);
     const qsizetype folder = qMax(path.lastIndexOf('/'), path.lastIndexOf('\\'));
-    return path.mid(folder + 1) + ':' + QByteArray::number(context.line) + ' ' + context.function;
+    const QByteArray place = path.mid(folder + 1) + ':' + QByteArray::number(context.line);
+    return context.function ? place + ' ' + context.function : place;
 }
 
 QByteArray contextOf(const QMessageLogContext& context) {
@@ -62,20 +66,25 @@ QByteArray contextOf(const QMessageLogContext& context) {
 
 }  // namespace
 
+void QtMessageRouter::forward(QtMsgType type, const QMessageLogContext& context,
+                              const QString& text) {
+    if (const QtMessageHandler handler = previous)
+        handler(type, context, text);
+}
+
 void QtMessageRouter::handle(QtMsgType type, const QMessageLogContext& context,
                              const QString& text) {
-    if (DeviceWriteScope::isInsideAny()) {
-        if (previous)
-            previous(type, context, text);
-        return;
-    }
+    if (!installed || DeviceWriteScope::isInsideAny())
+        return forward(type, context, text);
     LogManager* manager = LogManager::instance();
     const Module target = module;
-    const auto entry = manager->logModule(target);
-    manager->log(LogItem(levelOf(type), target, defaultSubModule,
-                         entry ? entry->name_cstr() : "Unknown",
-                         keptName(context.function ? context.function : "Qt"),
-                         keptName(fullName(context)), nullptr, contextOf(context), text.toUtf8()));
+    if (manager->isWanted(levelOf(type), target)) {
+        const auto entry = manager->logModule(target);
+        manager->log(
+            LogItem(levelOf(type), target, defaultSubModule, entry ? entry->name_cstr() : "Unknown",
+                    keptName(context.function ? context.function : "Qt"),
+                    keptName(fullName(context)), nullptr, contextOf(context), text.toUtf8()));
+    }
     if (type == QtFatalMsg)
         flushFileDevices();
 }
@@ -84,15 +93,21 @@ void installQtMessageHandler(Module module) {
     QtMessageRouter::module = module;
     if (QtMessageRouter::installed)
         return;
-    QtMessageRouter::previous = qInstallMessageHandler(QtMessageRouter::handle);
+    const QtMessageHandler before = qInstallMessageHandler(QtMessageRouter::handle);
+    // Still there, below another one, after a removal that could not take it out.
+    if (before != QtMessageRouter::handle)
+        QtMessageRouter::previous = before;
     QtMessageRouter::installed = true;
 }
 
 void removeQtMessageHandler() {
     if (!QtMessageRouter::installed)
         return;
-    qInstallMessageHandler(QtMessageRouter::previous);
     QtMessageRouter::installed = false;
+    const QtMessageHandler top = qInstallMessageHandler(QtMessageRouter::previous);
+    // A handler that came later stays; it may well call ours, which then only passes on.
+    if (top != QtMessageRouter::handle)
+        qInstallMessageHandler(top);
 }
 
 }  // namespace pylon::plog

@@ -4,10 +4,6 @@
 
 namespace osal {
 
-QString getenv(const QString& name) {
-    return qEnvironmentVariable(name.toLocal8Bit().constData());
-}
-
 void strcpy(char* destination, int destinationSize, const char* source) {
     if (!destination || destinationSize <= 0)
         return;

@@ -15,6 +15,10 @@ int fopen(FILE** file, const QString& path, const QString& mode) {
     return *file ? 0 : errno;
 }
 
+QString getenv(const QString& name) {
+    return qEnvironmentVariable(name.toUtf8().constData());
+}
+
 FILE* popen(const char* command, const char* mode) {
     if (!command || !mode)
         return nullptr;

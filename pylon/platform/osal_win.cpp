@@ -17,11 +17,18 @@ void reportInvalidParameter(const wchar_t* expression, const wchar_t* function, 
     std::wprintf(L"Expression: %ls\n", text(expression));
 }
 
+#ifdef _UCRT
+constexpr auto setHandler = _set_thread_local_invalid_parameter_handler;
+#else
+// Process-wide: of two threads that format at once, one may put back the other's.
+constexpr auto setHandler = _set_invalid_parameter_handler;
+#endif
+
 /// Lets a bad format be reported instead of ending the process, for as long as it lives.
 class InvalidParameterGuard {
 public:
-    InvalidParameterGuard() : previous_(_set_invalid_parameter_handler(reportInvalidParameter)) {}
-    ~InvalidParameterGuard() { _set_invalid_parameter_handler(previous_); }
+    InvalidParameterGuard() : previous_(setHandler(reportInvalidParameter)) {}
+    ~InvalidParameterGuard() { setHandler(previous_); }
     Q_DISABLE_COPY_MOVE(InvalidParameterGuard)
 
 private:
@@ -39,6 +46,11 @@ int fopen(FILE** file, const QString& path, const QString& mode) {
         return EINVAL;
     *file = nullptr;
     return _wfopen_s(file, wide(path), wide(mode));
+}
+
+QString getenv(const QString& name) {
+    const wchar_t* const value = _wgetenv(wide(name));
+    return value ? QString::fromWCharArray(value) : QString();
 }
 
 FILE* popen(const char* command, const char* mode) {

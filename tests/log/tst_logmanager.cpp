@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <stdexcept>
 
 using namespace pylon::plog;
 
@@ -152,34 +153,82 @@ private slots:
         QCOMPARE(manager->logDevices(LogDevice::Console).constFirst().data(), console.data());
         QVERIFY(manager->logDevices(LogDevice::File).isEmpty());
         manager->removeLogDevice(device);
+        const auto kept = QSharedPointer<Recorder>::create();
+        manager->addRawDevice(kept);
         manager->removeRawDevice(raw);
-        send(Info, 256, "nobody");
+        send(Info, 256, "one is left");
+        QCOMPARE(kept->items.size(), 1);
         QCOMPARE(device->items.size(), 2);
         QVERIFY(raw->items.isEmpty());
     }
 
-    // A device takes itself and the others out and puts a new one in while it is written to.
+    // A device changes the list it is in while it is written to. The item in hand goes to those
+    // that were there, the next to those that are.
+    void listsChangeDuringTheWalk_data() {
+        QTest::addColumn<bool>("raw");
+        QTest::addColumn<QString>("change");
+        QTest::addColumn<int>("itemsOfLast");
+        for (const bool raw : {false, true}) {
+            const QString list = raw ? QStringLiteral("raw: ") : QStringLiteral("log: ");
+            QTest::newRow(qPrintable(list + "clear")) << raw << "clear" << 1;
+            QTest::newRow(qPrintable(list + "remove")) << raw << "remove" << 2;
+            QTest::newRow(qPrintable(list + "add")) << raw << "add" << 2;
+        }
+    }
+
     void listsChangeDuringTheWalk() {
-        auto first = QSharedPointer<Recorder>::create();
-        const auto second = QSharedPointer<Recorder>::create();
-        const auto late = QSharedPointer<Recorder>::create();
-        manager->addLogDevice(first);
-        manager->addRawDevice(first);
-        manager->addLogDevice(second);
-        first->items.clear();
-        second->items.clear();
-        first->onWrite = [this, late](const LogItem&) {
-            manager->clearLogDevices();
-            manager->clearRawDevices();
-            manager->addLogDevice(late);
+        QFETCH(bool, raw);
+        QFETCH(QString, change);
+        const auto add = [&](const QSharedPointer<LogDevice>& device) {
+            raw ? manager->addRawDevice(device) : manager->addLogDevice(device);
         };
+        auto first = QSharedPointer<Recorder>::create();
+        const auto last = QSharedPointer<Recorder>::create();
         const QWeakPointer<Recorder> watched = first;
+        add(first);
+        add(QSharedPointer<Recorder>::create());
+        add(last);
+        last->items.clear();
+        first->onWrite = [&](const LogItem&) {
+            const auto self = watched.toStrongRef();
+            if (change == QLatin1String("add"))
+                add(QSharedPointer<Recorder>::create());
+            else if (change == QLatin1String("clear"))
+                raw ? manager->clearRawDevices() : manager->clearLogDevices();
+            else
+                raw ? manager->removeRawDevice(self) : manager->removeLogDevice(self);
+        };
         first.reset();
         send(Info, 256, "first");
         send(Info, 256, "second");
-        QVERIFY(watched.isNull());
-        QVERIFY(second->takeMessages().isEmpty());
-        QCOMPARE(late->takeMessages(), (QList<QByteArray>{"", "first", "second"}));
+        QCOMPARE(watched.isNull(), change != QLatin1String("add"));
+        QTEST(int(last->items.size()), "itemsOfLast");
+        QCOMPARE(last->items.constFirst().rawMessage(), "first");
+    }
+
+    // What a device does from inside write(), or as it ends, reaches the others and never itself.
+    void devicesThatLogAndThrow() {
+        struct LogsAtItsEnd : Recorder {
+            ~LogsAtItsEnd() override { send(Error, 256, "end"); }
+        };
+        const auto logging = QSharedPointer<Recorder>::create();
+        const auto last = QSharedPointer<Recorder>::create();
+        int number = 0;
+        logging->onWrite = [&](const LogItem&) {
+            send(Info, 256, "nested");
+            if (++number % 2 == 0)
+                throw std::runtime_error("told once");
+            throw number;
+        };
+        manager->addLogDevice(QSharedPointer<LogsAtItsEnd>::create());
+        manager->addRawDevice(logging);
+        manager->addRawDevice(last);
+        send(Info, 256, "one");
+        send(Info, 256, "two");
+        manager->clearLogDevices();
+        QCOMPARE(logging->takeMessages(), (QList<QByteArray>{"one", "two", "end"}));
+        QCOMPARE(last->takeMessages(),
+                 (QList<QByteArray>{"nested", "one", "nested", "two", "nested", "end"}));
     }
 
     void banners() {

@@ -12,8 +12,8 @@ static std::wstring nativePath(const QString& path) {
 }
 
 qint64 appendToFile(QFile& file, const char* data, qint64 size) {
-    // The position is our own: it does not follow when somebody else cuts the file.
-    if (file.pos() > file.size())
+    // The position is our own: it does not follow when somebody else writes or cuts.
+    if (file.pos() != file.size())
         file.seek(file.size());
     return file.write(data, size);
 }
