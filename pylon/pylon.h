@@ -5,7 +5,6 @@
 
 #include <pylon/export.h>
 #include <pylon/geometry/gentools.h>
-#include <pylon/geometry/gentools.h>
 #include <pylon/log/arg.h>
 #include <pylon/log/assertions.h>
 #include <pylon/log/logclient.h>
