@@ -67,6 +67,7 @@ private slots:
     void grid();
     void pictures();
     void placeholders();
+    void frameKinds();
     void slider();
     void playsToTheEnd();
     void zones_data();
@@ -194,7 +195,6 @@ void TestViewer::placeholders() {
         {1599, {Content::Hidden, Content::Picture, Content::SoundOnly, Content::Encrypted}},
         {1800, {Content::Picture, Content::Picture, Content::SoundOnly, Content::Encrypted}},
     };
-    QList<QImage> seen;
     for (const auto& row : rows) {
         window_->playback().seek(row.position);
         for (int i = 0; i < 4; ++i) {
@@ -211,6 +211,30 @@ void TestViewer::placeholders() {
                                        image.height() / 2)) > 5);
         }
     }
+}
+
+void TestViewer::frameKinds() {
+    const Image picture = Recording::load(gate)->cameras[0].pictures[0];
+    QList<Image> frames;
+    for (int i = 0; i < 5; ++i) {
+        frames.append(picture.clone());
+        frames[i].setTime(i);
+    }
+    frames[1].setEncrypted(true);
+    frames[2].setHiddenFlag(true);
+    frames[3].setPayload(picture.payload().left(20));
+    frames[4].setPayload(QByteArray());
+    const Content expected[] = {Content::Picture, Content::Encrypted, Content::Hidden,
+                                Content::Damaged, Content::Damaged};
+    TileWidget shown({1, QStringLiteral("Yard"), frames});
+    for (int time = 4; time >= 0; --time) {
+        shown.showTime(time);
+        QCOMPARE(shown.content(), expected[time]);
+        QCOMPARE(shown.pictureRect().isEmpty(), time != 0);
+    }
+    shown.showTime(-1);
+    QCOMPARE(shown.content(), Content::Nothing);
+    QVERIFY(shown.caption().isEmpty());
 }
 
 void TestViewer::slider() {
