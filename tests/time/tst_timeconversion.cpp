@@ -49,32 +49,26 @@ private slots:
         QCOMPARE(toString(-301, format, true), local + " -301");
     }
 
-    void zoneText_data() {
-        QTest::addColumn<quint64>("msecs");
-        QTest::addColumn<TimeZone>("zone");
-        QTest::addColumn<QString>("text");
-
-        const auto row = [](const char* tag, quint64 msecs, const TimeZone& zone,
-                            const char* text) {
-            QTest::newRow(tag) << msecs << zone << QString::fromLatin1(text);
-        };
+    void zoneText() {
         TimeZone server(4, TimeZoneAbbrevation(69));
         server.setServerTimeZone(true);
-        row("east", 1'700'000'000'000, TimeZone(5, 2), "2023-11-15 03:43 UTC");
-        row("far west", 0, TimeZone(-95, ""), "1969-12-31 00:15 UTC");
-        row("offset before name", 0, TimeZone(95, "CET"), "1970-01-01 23:45 UTC");
-        row("by name", 0, TimeZone(96, "NST"), "1969-12-31 20:30 UTC");
-        row("ambiguous name", 0, TimeZone(127, "CST"), "1970-01-01 00:00 UTC");
-        row("unknown name", 0, TimeZone(-96, "XYZ"), "1970-01-01 00:00 UTC");
-        row("no name", 0, TimeZone(127, TimeZoneAbbrevation(21)), "1970-01-01 00:00 UTC");
-        row("server mark ignored", 0, server, "1970-01-01 01:00 UTC");
-        row("largest", ULLONG_MAX, TimeZone(5, 2), "1970-01-01 05:29 UTC");
-    }
-
-    void zoneText() {
-        QFETCH(quint64, msecs);
-        QFETCH(TimeZone, zone);
-        QTEST(msecsToString(msecs, "yyyy-MM-dd HH:mm t", zone), "text");
+        const struct {
+            quint64 msecs;
+            TimeZone zone;
+            const char* text;
+        } rows[] = {
+            {1'700'000'000'000, TimeZone(5, 2), "2023-11-15 03:43 UTC"},
+            {ULLONG_MAX, TimeZone(5, 2), "1970-01-01 05:29 UTC"},
+            {0, TimeZone(-95, ""), "1969-12-31 00:15 UTC"},
+            {0, TimeZone(95, "CET"), "1970-01-01 23:45 UTC"},  // not by name
+            {0, TimeZone(96, "NST"), "1969-12-31 20:30 UTC"},
+            {0, TimeZone(127, "CST"), "1970-01-01 00:00 UTC"},  // ambiguous
+            {0, TimeZone(-96, "XYZ"), "1970-01-01 00:00 UTC"},
+            {0, TimeZone(127, TimeZoneAbbrevation(21)), "1970-01-01 00:00 UTC"},
+            {0, server, "1970-01-01 01:00 UTC"},
+        };
+        for (const auto& [msecs, zone, text] : rows)
+            QCOMPARE(msecsToString(msecs, "yyyy-MM-dd HH:mm t", zone), text);
     }
 
     void formats() {

@@ -65,7 +65,7 @@ private slots:
         const NanoElapsedTimer unstarted;
         NanoElapsedTimer started;
         started.start();
-        for (const NanoElapsedTimer& timer : {unstarted, started}) {
+        for (const NanoElapsedTimer& t : {unstarted, started}) {
             long long msecs;
             long long usecs;
             long long nsecs;
@@ -73,16 +73,11 @@ private slots:
             QList<long long> whole;
             do {  // until no millisecond ended in between
                 msecs = QElapsedTimer().elapsed();
-                whole = {timer.elapsed(usecs, nsecs),
-                         timer.elapsedMSecsPlusNSecs(rest[0]),
-                         timer.elapsedMSecsPlusUSecs(rest[1]),
-                         timer.elapsedUSecsPlusNSecs(rest[2]),
-                         timer.elapsedSecsPlusMSecs(rest[3]),
-                         timer.elapsedSecsPlusUSecs(rest[4]),
-                         timer.elapsedSecsPlusNSecs(rest[5]),
-                         unstarted.elapsedMSecs(),
-                         unstarted.elapsedUSecs(),
-                         unstarted.elapsedNSecs()};
+                whole = {t.elapsed(usecs, nsecs),          t.elapsedMSecsPlusNSecs(rest[0]),
+                         t.elapsedMSecsPlusUSecs(rest[1]), t.elapsedUSecsPlusNSecs(rest[2]),
+                         t.elapsedSecsPlusMSecs(rest[3]),  t.elapsedSecsPlusUSecs(rest[4]),
+                         t.elapsedSecsPlusNSecs(rest[5]),  unstarted.elapsedMSecs(),
+                         unstarted.elapsedUSecs(),         unstarted.elapsedNSecs()};
             } while (QElapsedTimer().elapsed() != msecs);
             const auto times = [msecs](quint64 factor) {  // wraps
                 return static_cast<long long>(static_cast<quint64>(msecs) * factor);

@@ -1,4 +1,3 @@
-#include <pylon/time/timezoneabbrevation.h>
 #include <pylon/time/timezones.h>
 
 #include <QtTest/QtTest>
@@ -15,8 +14,6 @@ private slots:
     void catalogue() {
         std::ostringstream rows;
         for (auto it = TimeZones::begin(); it != TimeZones::end(); ++it) {
-            const std::string text = TimeZoneAbbrevation(it.index()).to_string();
-            QCOMPARE(it.key(), text.empty() ? "UTC" : text);
             rows << it.key() << '\t' << int{it.index()} << '\t' << int{it.offset()} << '\t'
                  << it.fullName() << '\t' << it.continent() << '\n';
         }
@@ -27,13 +24,9 @@ private slots:
     }
 
     void find() {
-        const auto first = TimeZones::find("CST");
-        QCOMPARE(first.fullName(), std::string("Central Standard Time"));
+        QCOMPARE(TimeZones::find("CST").fullName(), std::string("Central Standard Time"));
         for (const char* unknown : {"", "cet", "CETX", "ZZZ", static_cast<const char*>(nullptr)})
             QVERIFY(TimeZones::find(unknown) == TimeZones::end());
-        auto walking = first;
-        ++walking;
-        QVERIFY(walking != first && first == TimeZones::find("CST"));
     }
 
     void offset() {
