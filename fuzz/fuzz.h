@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QtCore/QByteArray>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+/// Ends the program, which libFuzzer reports as a finding, unless the condition holds.
+#define FUZZ_CHECK(condition)                                                    \
+    do {                                                                         \
+        if (!(condition)) {                                                      \
+            std::fprintf(stderr, "%s:%d: %s\n", __FILE__, __LINE__, #condition); \
+            std::abort();                                                        \
+        }                                                                        \
+    } while (false)
+
+/// The input in memory of just its size, so that a sanitizer sees each byte read too far.
+inline QByteArray bytesOf(const std::uint8_t* data, std::size_t size) {
+    return QByteArray::fromRawData(reinterpret_cast<const char*>(data),
+                                   static_cast<qsizetype>(size));
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
