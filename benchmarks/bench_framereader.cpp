@@ -73,7 +73,7 @@ void readIntoBuffer(benchmark::State& state) {
     QFile file;
     if (!openRecording(file))
         return state.SkipWithError("no recording");
-    QByteArray buffer(FrameReader::defaultChunkSize, Qt::Uninitialized);
+    QByteArray buffer(pylon::defaultFrameChunkSize, Qt::Uninitialized);
     for (auto _ : state) {
         file.seek(0);
         while (file.read(buffer.data(), buffer.size()) > 0)

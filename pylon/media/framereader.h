@@ -13,6 +13,9 @@ class QIODevice;
 
 namespace pylon {
 
+/// Initial FrameReader::chunkSize() in bytes.
+inline constexpr qsizetype defaultFrameChunkSize = qsizetype{512} * 1024;
+
 /// Cuts the bytes of a device into network frames, one after the other.
 ///
 /// next() works on the bytes that are there, fill() gets more from the device, and finish() says
@@ -53,9 +56,6 @@ public:
         Failed      ///< The bytes at offset() are no frame, see reason(). Only resynchronise()
                     ///< leads on.
     };
-
-    /// Initial chunkSize() in bytes.
-    static constexpr qsizetype defaultChunkSize = qsizetype{512} * 1024;
 
     /// @p device is open for reading and outlives this object. Reading starts at its position,
     /// which counts as byte 0. Open files with QIODevice::Unbuffered: a second buffer costs time.
@@ -159,7 +159,7 @@ private:
 
     QIODevice& device_;
     quint32 frameSizeLimit_ = LyraImageHeaderParserV4::maxTotalSize;
-    qsizetype chunkSize_ = defaultChunkSize;
+    qsizetype chunkSize_ = defaultFrameChunkSize;
 
     QByteArray buffer_;
     qsizetype begin_ = 0;      // of the current or next frame

@@ -7,30 +7,10 @@
 #include <QtCore/qtemporarydir.h>
 #include <QtTest/qtest.h>
 
+#include "inspectrun.h"
 #include "wireframe.h"
 
 namespace {
-
-struct Run {
-    int status = -1;
-    QByteArray out;
-    QByteArray err;
-};
-
-Run inspect(const QStringList& arguments, const QByteArray& input = {}) {
-    QProcess process;
-    process.start(QStringLiteral(INSPECT_PROGRAM), arguments);
-    process.write(input);
-    process.closeWriteChannel();
-    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit)
-        return {};
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
-}
-
-QByteArray readAll(const QString& name) {
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 QString textOf(const QString& hex) {
     return QString::fromUtf8(QByteArray::fromHex(hex.toLatin1()));
@@ -436,6 +416,7 @@ void TestInspector::usageErrors_data() {
     row("empty module name", {"--log-filter", " , ", sample_});
     row("from 1 to 1000, not \"1001\"", {"--log", "x", "--log-size", "1001", sample_});
     row("--log needs the name", {"--log", "", sample_});
+    row("--extract needs the name", {"--extract", "", sample_});
     row("longer than 255 bytes", {"--log-filter", QString(256, 'a'), sample_});
     row("longer than 255 bytes", {"--log-filter", "Playback{" + QString(300, 'a'), sample_});
     row("unknown name in the log filter: aaaa", {"--log-filter", QString(255, 'a'), sample_});

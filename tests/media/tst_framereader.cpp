@@ -109,11 +109,11 @@ private slots:
 void TestFrameReader::waitsForTheRest_data() {
     QTest::addColumn<qint64>("step");
     QTest::addColumn<qsizetype>("chunk");
-    QTest::newRow("single bytes") << qint64{1} << FrameReader::defaultChunkSize;
+    QTest::newRow("single bytes") << qint64{1} << pylon::defaultFrameChunkSize;
     QTest::newRow("chunks of one byte") << allAtOnce << qsizetype{-1};
     QTest::newRow("19 bytes a read") << qint64{19} << qsizetype{4096};
     QTest::newRow("4 KiB chunks") << allAtOnce << qsizetype{4096};
-    QTest::newRow("1 MiB a read") << qint64{1} * 1024 * 1024 << FrameReader::defaultChunkSize;
+    QTest::newRow("1 MiB a read") << qint64{1} * 1024 * 1024 << pylon::defaultFrameChunkSize;
 }
 
 void TestFrameReader::waitsForTheRest() {
@@ -148,7 +148,7 @@ void TestFrameReader::memoryFollowsTheData_data() {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<int>("frames");
     QTest::addColumn<qsizetype>("limit");
-    const qsizetype chunk = FrameReader::defaultChunkSize;
+    const qsizetype chunk = pylon::defaultFrameChunkSize;
     const QByteArray large = frameOf(5'000'000);
     const QByteArray claims = claim(0x3FFFFFF) + QByteArray(1'000'000, '\0');
     QTest::newRow("large frames") << large + frameOf(21) + large << 3 << large.size() + chunk;
@@ -290,7 +290,7 @@ void TestFrameReader::doesNotWaitForFalseHeaders() {
             QVERIFY(reader.fill() || !device.isDrained());
     }
     QCOMPARE(reader.offset(), damage.size());
-    QVERIFY(reader.capacity() <= FrameReader::defaultChunkSize);
+    QVERIFY(reader.capacity() <= pylon::defaultFrameChunkSize);
 }
 
 void TestFrameReader::deviceErrorIsFinal() {

@@ -5,8 +5,10 @@
 #include <pylon/media/framereader.h>
 
 #include <memory>
+#include <optional>
 
 #include "console.h"
+#include "extractor.h"
 #include "jsonwriter.h"
 #include "summary.h"
 #include "tablewriter.h"
@@ -49,16 +51,21 @@ QString damageText(const FrameReader& reader) {
 // One input on its way from frames to text.
 class Inspection {
 public:
-    Inspection(const Options& options, Output& output, QIODevice& device, const QString& name)
+    // Files extracted get names that start with `prefix`.
+    Inspection(const Options& options, Output& output, QIODevice& device, const QString& name,
+               const QString& prefix)
         : options_(options),
           output_(output),
           name_(name),
           style_(outputStyle()),
           reader_(device),
           table_(sizeOf(device), options.zone, style_),
-          progress_(sizeOf(device), !options.log.enabled) {}
+          progress_(sizeOf(device), !options.log.enabled) {
+        if (!options.extractFolder.isEmpty())
+            extractor_.emplace(options.extractFolder, prefix);
+    }
 
-    // False if the input is damaged, which has then been reported.
+    // False if the input is damaged or cannot be extracted, which has then been reported.
     bool run();
 
     qint64 offset() const { return reader_.offset(); }
@@ -70,6 +77,7 @@ private:
     void readMore();
     bool goOnBehindDamage();
     void reportDamage();
+    void finishExtraction();
     void showSummary();
 
     const Options& options_;
@@ -79,15 +87,17 @@ private:
     FrameReader reader_;
     TableWriter table_;
     Summary summary_;
+    std::optional<Extractor> extractor_;
     Progress progress_;
     qint64 frames_ = 0;
     QString damage_;  // not reported yet
     bool damaged_ = false;
+    bool extractionFailed_ = false;
     bool resynchronising_ = false;
 };
 
 bool Inspection::run() {
-    for (bool more = true; more && !output_.ended();) {
+    for (bool more = true; more && !output_.ended() && !extractionFailed_;) {
         const FrameReader::Status status = reader_.next();
         if (status != FrameReader::Status::NeedsData)
             reportDamage();
@@ -111,7 +121,8 @@ bool Inspection::run() {
         showSummary();
     output_.flush();
     reportDamage();
-    return !damaged_;
+    finishExtraction();
+    return !damaged_ && !extractionFailed_;
 }
 
 // The report waits until it is known how many bytes were lost.
@@ -151,6 +162,18 @@ void Inspection::show() {
     }
     if (output_.isLarge())
         flush();
+    if (extractor_ && !extractor_->add(reader_))
+        extractionFailed_ = true;
+}
+
+void Inspection::finishExtraction() {
+    if (!extractor_)
+        return;
+    extractionFailed_ = !extractor_->finish();
+    if (extractionFailed_)
+        reportFailure(output_, name_, extractor_->errorText());
+    PLOG_INFO(logClient(), nullptr, "%lld files extracted from %s", extractor_->files(),
+              qUtf8Printable(name_));
 }
 
 void Inspection::flush() {
@@ -182,14 +205,17 @@ void Inspection::showSummary() {
 }
 
 // False if the input could not be opened or is damaged.
-bool inspectFile(const Options& options, Output& output, const QString& file) {
+bool inspectFile(const Options& options, Output& output, qsizetype index) {
+    const QString& file = options.files[index];
     const QString name = displayName(file);
     QString error;
     const auto device = openInput(file, &error);
     if (!device)
         return reportFailure(output, name, error);
     PLOG_INFO(logClient(), nullptr, "reading %s", qUtf8Printable(name));
-    Inspection inspection(options, output, *device, name);
+    const QString prefix =
+        options.files.size() > 1 ? QStringLiteral("input%1-").arg(index + 1) : QString();
+    Inspection inspection(options, output, *device, name, prefix);
     const bool whole = inspection.run();
     PLOG_INFO(logClient(), nullptr, streamSubModule, "%s: %lld frames up to byte %lld",
               qUtf8Printable(name), inspection.frames(), inspection.offset());
@@ -214,7 +240,7 @@ ExitStatus inspect(const Options& options) {
     for (qsizetype i = 0; i < options.files.size() && !output.ended(); ++i) {
         if (headings)
             appendFileHeading(output.buffer(), options.files[i], i == 0);
-        if (!inspectFile(options, output, options.files[i]))
+        if (!inspectFile(options, output, i))
             status = InputFailed;
     }
     output.flush();

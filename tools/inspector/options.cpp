@@ -22,6 +22,18 @@ Output:
                      where several zones share one: CET, "CST:China"
   --zones            list the known time zones and exit
 
+Extraction:
+  --extract DIR      write the content of the frames shown into files of the folder DIR:
+                     pictures, XML and anything else as OFFSET-cameraN.jpg, .xml, .bin;
+                     sound as one cameraN-trackM.wav for each track, 16 bit, at the
+                     rate of its first frame. With several FILEs, names start with
+                     inputN-. A file that exists is an error, never overwritten.
+                     Encrypted frames, audio formats other than PCM and G.711, and
+                     sound after the first 64 tracks are written as .bin.
+                     A gap in the sound becomes silence, at most 60 s each and 100 MB in
+                     all, then the sound goes on. Sound that overlaps what came before
+                     by up to 10 s is cut; from further back, it goes on at once.
+
 Reading:
   --resync           after damage go on at the next thing that looks like a frame and is
                      followed by two more, or by the end of the input; without this, a
@@ -58,8 +70,8 @@ failed; 2 the command line is wrong.
 
 constexpr const char* flags[] = {"help",    "h",     "version", "json",
                                  "summary", "zones", "resync",  "verbose"};
-constexpr const char* valueOptions[] = {"zone",       "camera", "type",    "log-level",
-                                        "log-filter", "log",    "log-size"};
+constexpr const char* valueOptions[] = {"zone",       "camera", "type",     "log-level",
+                                        "log-filter", "log",    "log-size", "extract"};
 
 void addOptions(QCommandLineParser& parser) {
     for (const char* name : flags)
@@ -85,6 +97,11 @@ public:
             !readFiles())
             return {};
         options_.resync = isSet("resync");
+        options_.extractFolder = value("extract");
+        if (isSet("extract") && options_.extractFolder.isEmpty()) {
+            refuse(QStringLiteral("--extract needs the name of a folder"));
+            return {};
+        }
         return options_;
     }
 

@@ -21,6 +21,7 @@ struct Options {
     std::optional<Zone> zone;  ///< For all times; without it each frame's own zone.
     QList<quint32> cameras;    ///< Empty for all.
     QList<quint8> types;       ///< Empty for all.
+    QString extractFolder;     ///< Empty for no extraction.
     bool resync = false;       ///< Go on after damage.
     LogOptions log;
     QStringList files;  ///< "-" is standard input.
