@@ -16,7 +16,8 @@
         }                                                                        \
     } while (false)
 
-/// The input in memory of just its size, so that a sanitizer sees each byte read too far.
+/// The input without a copy: it ends where its memory does, so a sanitizer sees each byte read too
+/// far.
 inline QByteArray bytesOf(const std::uint8_t* data, std::size_t size) {
     return QByteArray::fromRawData(reinterpret_cast<const char*>(data),
                                    static_cast<qsizetype>(size));
