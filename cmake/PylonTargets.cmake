@@ -64,4 +64,11 @@ function(pylon_add_test name)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT 300 LABELS "${arg_LABELS}"
     ENVIRONMENT "TZ=Europe/Berlin;QT_QPA_PLATFORM=offscreen")
+  # What ThreadSanitizer is for, as a target of its own.
+  if("threads" IN_LIST arg_LABELS)
+    if(NOT TARGET thread-tests)
+      add_custom_target(thread-tests)
+    endif()
+    add_dependencies(thread-tests ${name})
+  endif()
 endfunction()
