@@ -71,11 +71,11 @@ def main(paths):
     print("|---|---|---|---|")
     for path in paths:
         times, counters = read(path)
-        for name, time in times.items():
+        for name, time in sorted(times.items()):
             group, _, case = name.partition("/")
             if case.startswith("Peer_"):
                 continue
-            for peer, peer_time in times.items():
+            for peer, peer_time in sorted(times.items()):
                 peer_group, _, peer_case = peer.partition("/")
                 if peer_group != group or not peer_case.startswith("Peer_"):
                     continue
