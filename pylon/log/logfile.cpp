@@ -114,13 +114,15 @@ void LogFile::write(const LogItem& item) {
     const qsizetype before = buffer_.size();
     item.appendTo(buffer_);
     buffer_.append('\n');
+    const qsizetype lineSize = buffer_.size() - before;
     if (!flushEachLine_ && buffer_.size() < batchSize)
         return;
     if (flushEachLine_ || isLinkCheckDue(item.timestamp()))
         reopenIfDeleted();
-    const qsizetype written = writeBuffer();
-    if (buffer_.size() > maxBacklog && written <= before)
-        buffer_.truncate(before - written);
+    writeBuffer();
+    // What goes, goes from the front: the line is either whole at the end or partly on the disk.
+    if (buffer_.size() > maxBacklog && buffer_.size() >= lineSize)
+        buffer_.chop(lineSize);
 }
 
 bool LogFile::isOpen() const {
@@ -247,9 +249,9 @@ void LogFile::rotateFile() {
         file_.write(LogManager::instance()->logStartupHeader().toUtf8());
 }
 
-qsizetype LogFile::writeBuffer() {
+void LogFile::writeBuffer() {
     if (buffer_.isEmpty() || !file_.isWritable())
-        return 0;
+        return;
     const DeviceWriteScope scope(*this);
     const qsizetype written =
         qMax(platform::appendToFile(file_, buffer_.constData(), buffer_.size()), qint64{0});
@@ -259,7 +261,6 @@ qsizetype LogFile::writeBuffer() {
         buffer_.truncate(0);  // unlike clear(), keeps the memory
     else
         buffer_.remove(0, written);
-    return written;
 }
 
 namespace {

@@ -77,8 +77,7 @@ private:
     bool isLinkCheckDue(const Timestamp& now);
     void reopenIfDeleted();
     void rotateFile();
-    /// @return how many bytes went from the buffer to the file.
-    qsizetype writeBuffer();
+    void writeBuffer();
 
     class FlushTimer;
 
