@@ -1,10 +1,10 @@
 // Cutting a recording of 256 MiB into frames, beside reading the same file through one buffer of
 // the same size. The file is in the page cache, so the disk does not count.
 
-#include <QtCore/qfile.h>
-#include <QtCore/qtemporarydir.h>
 #include <benchmark/benchmark.h>
 #include <pylon/media/framereader.h>
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
 
 using pylon::FrameReader;
 

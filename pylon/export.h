@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtCore/qglobal.h>
+#include <QtCore/QtGlobal>
 
 /// @file
 /// Symbol visibility of the shared library. Only what carries @c PYLON_EXPORT can be linked

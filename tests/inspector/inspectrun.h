@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QtCore/qbytearray.h>
-#include <QtCore/qfile.h>
-#include <QtCore/qprocess.h>
-#include <QtCore/qstringlist.h>
+#include <QtCore/QByteArray>
+#include <QtCore/QFile>
+#include <QtCore/QProcess>
+#include <QtCore/QStringList>
 
 struct Run {
     int status = -1;

@@ -1,9 +1,9 @@
-#include <QtCore/qdir.h>
-#include <QtCore/qtemporarydir.h>
-#include <QtTest/qtest.h>
 #include <pylon/media/audioutils.h>
 #include <pylon/media/byteconversion.h>
 #include <pylon/media/framereader.h>
+#include <QtCore/QDir>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QTest>
 
 #include <span>
 

@@ -1,11 +1,11 @@
-#include <QtCore/qdatetime.h>
-#include <QtCore/qfile.h>
-#include <QtCore/qjsonarray.h>
-#include <QtCore/qjsondocument.h>
-#include <QtCore/qjsonobject.h>
-#include <QtCore/qprocess.h>
-#include <QtCore/qtemporarydir.h>
-#include <QtTest/qtest.h>
+#include <QtCore/QDateTime>
+#include <QtCore/QFile>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QTest>
 
 #include "inspectrun.h"
 #include "wireframe.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QtCore/qbytearray.h>
-#include <QtCore/qendian.h>
+#include <QtCore/QByteArray>
+#include <QtCore/QtEndian>
 
 // A network frame built byte by byte, also one that no server would send.
 struct WireFrame {

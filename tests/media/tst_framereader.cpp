@@ -1,7 +1,7 @@
 #include <pylon/media/framereader.h>
 
-#include <QtCore/qregularexpression.h>
-#include <QtTest/qtest.h>
+#include <QtCore/QRegularExpression>
+#include <QtTest/QTest>
 
 #include <algorithm>
 

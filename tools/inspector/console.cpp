@@ -1,6 +1,6 @@
 #include "console.h"
 
-#include <QtCore/qlocale.h>
+#include <QtCore/QLocale>
 
 #include <algorithm>
 #include <cstdio>

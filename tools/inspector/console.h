@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QtCore/qbytearray.h>
-#include <QtCore/qelapsedtimer.h>
-#include <QtCore/qiodevice.h>
-#include <QtCore/qstring.h>
+#include <QtCore/QByteArray>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QIODevice>
+#include <QtCore/QString>
 
 #include "terminal.h"
 

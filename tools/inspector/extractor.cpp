@@ -1,7 +1,7 @@
 #include "extractor.h"
 
-#include <QtCore/qdir.h>
 #include <pylon/media/framereader.h>
+#include <QtCore/QDir>
 
 #include "text.h"
 

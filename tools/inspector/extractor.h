@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtCore/qstring.h>
+#include <QtCore/QString>
 
 #include <map>
 #include <memory>

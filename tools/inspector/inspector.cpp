@@ -1,8 +1,8 @@
 #include "inspector.h"
 
-#include <QtCore/qfile.h>
 #include <pylon/log/logmacros.h>
 #include <pylon/media/framereader.h>
+#include <QtCore/QFile>
 
 #include <memory>
 #include <optional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtCore/qbytearray.h>
+#include <QtCore/QByteArray>
 
 namespace pylon {
 class FrameReader;

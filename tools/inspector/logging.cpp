@@ -1,11 +1,11 @@
 #include "logging.h"
 
-#include <QtCore/qstringlist.h>
 #include <pylon/log/logconsole.h>
 #include <pylon/log/logfile.h>
 #include <pylon/log/logfilter.h>
 #include <pylon/log/loglevel.h>
 #include <pylon/log/logmanager.h>
+#include <QtCore/QStringList>
 
 #include <algorithm>
 #include <cstdio>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QtCore/qstring.h>
 #include <pylon/log/logclient.h>
+#include <QtCore/QString>
 
 #include <optional>
 

@@ -1,4 +1,4 @@
-#include <QtCore/qcoreapplication.h>
+#include <QtCore/QCoreApplication>
 
 #include "console.h"
 #include "inspector.h"

@@ -1,7 +1,7 @@
 #include "options.h"
 
-#include <QtCore/qcommandlineparser.h>
 #include <pylon/log/loglevel.h>
+#include <QtCore/QCommandLineParser>
 
 #include "text.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QtCore/qlist.h>
-#include <QtCore/qstringlist.h>
 #include <pylon/media/image.h>
+#include <QtCore/QList>
+#include <QtCore/QStringList>
 
 #include <optional>
 

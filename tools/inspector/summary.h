@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QtCore/qbytearray.h>
 #include <pylon/media/image.h>
+#include <QtCore/QByteArray>
 
 #include <map>
 #include <optional>

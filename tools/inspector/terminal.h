@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QtCore/qbytearrayview.h>
-#include <QtCore/qstring.h>
+#include <QtCore/QByteArrayView>
+#include <QtCore/QString>
 
 /// @file
 /// What differs between operating systems about the standard streams.

@@ -1,7 +1,7 @@
 #include "text.h"
 
-#include <QtCore/qchar.h>
-#include <QtCore/qlist.h>
+#include <QtCore/QChar>
+#include <QtCore/QList>
 
 #include <algorithm>
 #include <charconv>

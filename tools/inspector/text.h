@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QtCore/qbytearray.h>
-#include <QtCore/qbytearrayview.h>
-#include <QtCore/qstring.h>
-#include <QtCore/qstringview.h>
+#include <QtCore/QByteArray>
+#include <QtCore/QByteArrayView>
+#include <QtCore/QString>
+#include <QtCore/QStringView>
 
 /// @file
 /// Text for terminals and machines, appended to UTF-8 buffers. Stateless.

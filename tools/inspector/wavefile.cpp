@@ -1,6 +1,6 @@
 #include "wavefile.h"
 
-#include <QtCore/qendian.h>
+#include <QtCore/QtEndian>
 
 #include <algorithm>
 #include <limits>

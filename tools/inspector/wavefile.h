@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QtCore/qbytearrayview.h>
-#include <QtCore/qfile.h>
+#include <QtCore/QByteArrayView>
+#include <QtCore/QFile>
 
 namespace pylon::inspector {
 

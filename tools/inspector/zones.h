@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QtCore/qbytearray.h>
-#include <QtCore/qstring.h>
 #include <pylon/media/image.h>
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
 
 #include <optional>
 
