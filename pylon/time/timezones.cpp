@@ -166,9 +166,9 @@ struct TimeZones::Table {
     }
 
     std::span<const Row> withKey(std::string_view key) const noexcept {
-        const auto found = std::ranges::equal_range(
-            rows, key, {}, [](const Row& row) -> std::string_view { return row.key; });
-        return {found.begin(), found.end()};
+        const auto keyOf = [](const Row& row) -> std::string_view { return row.key; };
+        return {std::ranges::lower_bound(rows, key, {}, keyOf),
+                std::ranges::upper_bound(rows, key, {}, keyOf)};
     }
 
     // The rows a look-up goes through.
