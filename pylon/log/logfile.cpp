@@ -51,6 +51,11 @@ bool isTooSoon(const QElapsedTimer& sinceFailure) {
 
 }  // namespace
 
+// Programs that take a constant by reference import it from here.
+constexpr qint64 LogFile::minMaxFileSize;
+constexpr qint64 LogFile::maxMaxFileSize;
+constexpr qint64 LogFile::defaultMaxFileSize;
+
 /// Ticks for a device as long as there is one: the device may end on one thread while the timer's
 /// thread is about to call it.
 class LogFile::FlushTimer : public QTimer {

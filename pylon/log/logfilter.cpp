@@ -100,6 +100,9 @@ void addError(QString* error, const QString& text) {
 
 }  // namespace
 
+// Programs that take a constant by reference import it from here.
+constexpr qsizetype LogFilter::maxNameBytes;
+
 LogFilter::LogFilter(const QMap<Module, QSharedPointer<LogModule>>& modules) : modules_(&modules) {}
 
 QList<LogFilterItem> LogFilter::parseFilterString(const QString& filter, QString* error) const {

@@ -155,6 +155,11 @@ void splitTypeByte(ImageHeaderBase& header) {
 
 }  // namespace
 
+// Programs that take a constant by reference import it from here.
+constexpr quint32 LyraImageHeaderParserV4::fixedHeaderSize;
+constexpr quint32 LyraImageHeaderParserV4::maxExtensionSize;
+constexpr quint32 LyraImageHeaderParserV4::maxTotalSize;
+
 LyraImageHeaderParserV4::~LyraImageHeaderParserV4() = default;
 
 void LyraImageHeaderParserV4::readSize(QIODevice& device, quint32& size) const {

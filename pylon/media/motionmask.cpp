@@ -274,6 +274,10 @@ private:
 
 }  // namespace
 
+// Programs that take a constant by reference import it from here.
+constexpr int MotionUtils::maskWidth;
+constexpr int MotionUtils::maskHeight;
+
 QString MotionUtils::encodeMask(const char (*mask)[maskWidth], int width, int height) {
     width = std::clamp(width, minDimension, maskWidth);
     height = std::clamp(height, minDimension, maskHeight);

@@ -151,6 +151,10 @@ static_assert(std::size(catalogue) == 121);
 
 }  // namespace
 
+// Programs that take a constant by reference import it from here.
+constexpr signed char TimeZones::notFound;
+constexpr signed char TimeZones::ambiguous;
+
 struct TimeZones::Row {
     std::string key;
     TimeZoneEntry zone;
