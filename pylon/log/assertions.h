@@ -37,7 +37,11 @@ PYLON_EXPORT void pStaticAssertX(bool condition, const char* where, const char* 
 /// @name The assertion switch
 /// Process-wide, on at first. Only the macros heed it.
 /// @{
+
+/// Lets the macros check and, on failure, end the process.
 PYLON_EXPORT void enable_pAssert();
+/// Lets the macros evaluate nothing.
 PYLON_EXPORT void disable_pAssert();
+/// Whether the macros check.
 PYLON_EXPORT bool is_pAssertEnabled();
 /// @}

@@ -33,16 +33,19 @@ public:
         return isEnabled() && (*enabledSubmodules_ & submods) != 0;
     }
 
+    /// Number of the module it logs for.
     Module module() const { return module_; }
     /// Display name of the module, "Unknown" for a module that is not registered.
     const char* name() const { return name_; }
 
     /// Short text that marks this client's lines in a column of its own; empty for none.
     void setTag(const QByteArray& tag) { tag_ = tag; }
+    /// The tag that hooks start from.
     QByteArray tag() const { return tag_; }
 
     /// Adds a hook; not owned, to be removed before it is destroyed.
     void addHook(LogTagHook* hook);
+    /// Removes a hook; one that was never added changes nothing.
     void removeHook(LogTagHook* hook);
 
     /// Formats a message and hands it to the log manager; best called by the macros of logmacros.h,
@@ -64,9 +67,11 @@ public:
              Arg first, Arg second, const char* sentinel, ...);
 
 protected:
+    /// Creates the log manager if there is none yet.
     explicit LogClientBase(Module module);
     ~LogClientBase() = default;
 
+    /// The manager's mask of enabled modules as it is now.
     unsigned int enabledModules() const { return *enabledModules_; }
 
 private:

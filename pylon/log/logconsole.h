@@ -19,6 +19,7 @@ public:
     explicit LogConsole(FILE* stream = stdout, bool autoFlush = false);
 
     void write(const LogItem& item) override;
+    /// Always Console.
     DeviceType type() const override { return Console; }
 
 private:

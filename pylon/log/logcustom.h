@@ -26,6 +26,7 @@ public:
     explicit LogCustom(LogCustomInterface* sink);
 
     void write(const LogItem& item) override;
+    /// Always Custom.
     DeviceType type() const override { return Custom; }
 
 private:

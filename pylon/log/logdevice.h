@@ -15,6 +15,7 @@ class PYLON_EXPORT LogDevice : public QObject {
     Q_OBJECT
 
 public:
+    /// What LogManager::logDevices() selects by.
     enum DeviceType : int {
         File = 0,     ///< Rotating log file.
         Console = 1,  ///< LogConsole.
@@ -22,11 +23,13 @@ public:
     };
     Q_ENUM(DeviceType)
 
+    /// @param parent may be null, and is for a device held by QSharedPointer.
     explicit LogDevice(QObject* parent);
     ~LogDevice() override;
 
     /// Outputs one item; the item is valid during the call only.
     virtual void write(const LogItem& item) = 0;
+    /// Which kind of device it is; the same for the life of the device.
     virtual DeviceType type() const = 0;
 };
 

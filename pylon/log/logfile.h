@@ -30,9 +30,9 @@ class PYLON_EXPORT LogFile : public LogDevice {
 
 public:
     /// Limits of setMaxFileSize() and the limit of a new device, in bytes.
-    static constexpr qint64 minMaxFileSize = 1'048'576;
-    static constexpr qint64 maxMaxFileSize = 1'048'576'000;
-    static constexpr qint64 defaultMaxFileSize = 104'857'600;
+    static constexpr qint64 minMaxFileSize = 1'048'576;        ///< 1 MiB.
+    static constexpr qint64 maxMaxFileSize = 1'048'576'000;    ///< 1000 MiB.
+    static constexpr qint64 defaultMaxFileSize = 104'857'600;  ///< 100 MiB.
 
     /// Opens the file.
     /// @param mode how to open it besides for writing: QIODevice::Append or QIODevice::Truncate.
@@ -43,6 +43,7 @@ public:
     ~LogFile() override;
 
     void write(const LogItem& item) override;
+    /// Always File.
     DeviceType type() const override { return File; }
 
     /// Whether the file is open; if not, lines are dropped for now.
@@ -61,7 +62,9 @@ public:
     /// Sets that size, clamped to minMaxFileSize .. maxMaxFileSize.
     void setMaxFileSize(qint64 size);
 
+    /// Whether the file is rotated when it is too large; on at first.
     bool isRotateEnabled() const;
+    /// Switches rotation; without it the file grows without limit.
     void setRotateFile(bool rotate);
 
     /// Moves the file to another folder, replacing a file of its name there, and goes on in it. A

@@ -38,21 +38,27 @@ public:
 
     /// Copies take no more memory than they need, which the original may, being made for speed.
     LogItem(const LogItem& other);
+    /// @copydoc LogItem(const LogItem&)
     LogItem& operator=(const LogItem& other);
     LogItem(LogItem&& other) noexcept = default;
     LogItem& operator=(LogItem&& other) noexcept = default;
     ~LogItem() = default;
 
+    /// Level of the message; Info for a finished line.
     LogLevel logLevel() const { return level_; }
+    /// Module it belongs to.
     Module module() const { return module_; }
+    /// Sub-module bits, defaultSubModule for none.
     unsigned int submods() const { return submods_; }
     /// Moment of logging.
     const Timestamp& timestamp() const { return timestamp_; }
+    /// Display name of the module; static text.
     const char* moduleName() const { return moduleName_; }
     /// The full signature of the calling function, or its plain name; see usePrettyFunction().
     const char* function() const { return use_pretty_function_ ? prettyFunction_ : function_; }
     /// Address of the calling object, for comparing only.
     const void* object() const { return object_; }
+    /// Text of the tag column, empty for none.
     const QByteArray& context() const { return context_; }
     /// The message without any prefix, UTF-8; empty for a finished line.
     const QByteArray& rawMessage() const { return message_; }
@@ -73,19 +79,24 @@ public:
     /// Process-wide; set them before other threads log. Only usePrettyFunction() changes any
     /// output; the columns of a line are fixed.
     /// @{
+
+    /// Kept for hosts that set it; lines always show the level.
     static void showLevel(bool on) { show_level_ = on; }
+    /// Kept for hosts that set it; lines always show the module.
     static void showModule(bool on) { show_module_ = on; }
+    /// Kept for hosts that set it; lines always show the function.
     static void showFunction(bool on) { show_function_ = on; }
+    /// Kept for hosts that set it; lines always show the thread.
     static void showTID(bool on) { show_tid_ = on; }
     /// Whether lines show the full signature of the calling function (the default) or its plain
     /// name. Lines already made stay as they are.
     static void usePrettyFunction(bool on) { use_pretty_function_ = on; }
 
-    static bool show_level_;
-    static bool show_module_;
-    static bool show_function_;
-    static bool show_tid_;
-    static bool use_pretty_function_;
+    static bool show_level_;           ///< As showLevel() left it.
+    static bool show_module_;          ///< As showModule() left it.
+    static bool show_function_;        ///< As showFunction() left it.
+    static bool show_tid_;             ///< As showTID() left it.
+    static bool use_pretty_function_;  ///< As usePrettyFunction() left it.
     /// @}
 
 private:

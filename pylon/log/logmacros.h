@@ -69,6 +69,7 @@ void submit(LogClientBase& client, LogLevel level, const Origin& origin, Number 
 
 }  // namespace pylon::plog::internal
 
+/// What the macros below share.
 #define PYLON_PLOG(client, level, levelEnabled, object, ...)                                      \
     do {                                                                                          \
         if (!(levelEnabled))                                                                      \
@@ -82,21 +83,29 @@ void submit(LogClientBase& client, LogLevel level, const Origin& origin, Number 
                                         __VA_ARGS__);                                             \
     } while (false)
 
+/// Logs at level Trace: the way of the program through its functions.
 #define PLOG_TRACE(client, object, ...) \
     PYLON_PLOG(client, ::pylon::plog::Trace, ::pylon::plog::LG_trace_enabled, object, __VA_ARGS__)
+/// Logs at level Debug: details for whoever looks for a fault.
 #define PLOG_DEBUG(client, object, ...) \
     PYLON_PLOG(client, ::pylon::plog::Debug, ::pylon::plog::LG_debug_enabled, object, __VA_ARGS__)
+/// Logs at level Info: what a user would want to know.
 #define PLOG_INFO(client, object, ...) \
     PYLON_PLOG(client, ::pylon::plog::Info, ::pylon::plog::LG_info_enabled, object, __VA_ARGS__)
+/// Logs at level Warn, which has no switch of its own: not as it should be.
 #define PLOG_WARN(client, object, ...) \
     PYLON_PLOG(client, ::pylon::plog::Warn, true, object, __VA_ARGS__)
+/// Logs at level Error, which has no switch of its own: an operation failed.
 #define PLOG_ERROR(client, object, ...) \
     PYLON_PLOG(client, ::pylon::plog::Error, true, object, __VA_ARGS__)
+/// Logs at level Timing: measured times.
 #define PLOG_TIMING(client, object, ...) \
     PYLON_PLOG(client, ::pylon::plog::Timing, ::pylon::plog::LG_timing_enabled, object, __VA_ARGS__)
+/// Logs at level Startup: steps of the start.
 #define PLOG_STARTUP(client, object, ...)                                                 \
     PYLON_PLOG(client, ::pylon::plog::Startup, ::pylon::plog::LG_startup_enabled, object, \
                __VA_ARGS__)
+/// Logs at level Graphics: graphics system and drivers.
 #define PLOG_GRAPHICS(client, object, ...)                                                  \
     PYLON_PLOG(client, ::pylon::plog::Graphics, ::pylon::plog::LG_graphics_enabled, object, \
                __VA_ARGS__)

@@ -52,7 +52,9 @@ public:
 
     /// Replaces the mask of enabled levels; Info, Warn and Error are enabled at first.
     void setLogLevel(unsigned int mask);
+    /// Enables one level more.
     void addLogLevel(LogLevel level);
+    /// Disables one level.
     void removeLogLevel(LogLevel level);
     /// @}
 
@@ -62,12 +64,14 @@ public:
     /// Mask of the enabled modules, writable; every registered module is enabled at first. The
     /// reference lives as long as the manager.
     unsigned int& enabledModules() { return enabledModules_; }
+    /// Mask of the enabled modules.
     unsigned int enabledModules() const { return enabledModules_; }
 
     /// Mask of a module's enabled sub-modules, writable; 0xFFFFFF00 for every registered module at
     /// first, 0 for a module that was never named. The reference lives as long as the manager,
     /// whatever modules come later.
     unsigned int& enabledSubmodules(Module module) { return enabledSubmodules_[module]; }
+    /// Mask of a module's enabled sub-modules, 0 for a module that was never named.
     unsigned int enabledSubmodules(Module module) const;
 
     /// A registered module, null for any other number.
@@ -82,7 +86,9 @@ public:
 
     /// Adds a device for enabled items, once, and writes the start-up banner to it.
     void addLogDevice(const QSharedPointer<LogDevice>& device);
+    /// Removes a device; one that is not there changes nothing.
     void removeLogDevice(const QSharedPointer<LogDevice>& device);
+    /// Removes every log device, not the raw ones.
     void clearLogDevices();
 
     /// Adds a device that gets every item that reaches the manager, enabled or not; once for each
@@ -90,10 +96,12 @@ public:
     void addRawDevice(const QSharedPointer<LogDevice>& device);
     /// Removes every entry of the device.
     void removeRawDevice(const QSharedPointer<LogDevice>& device);
+    /// Removes every raw device.
     void clearRawDevices();
 
     /// The log devices, without the raw ones, in order.
     QList<QSharedPointer<LogDevice>> logDevices() const { return logDevicesList_; }
+    /// Those of one type, in order.
     QList<QSharedPointer<LogDevice>> logDevices(LogDevice::DeviceType type) const;
     /// The raw devices, in order, each as often as it was added.
     QList<QSharedPointer<LogDevice>> rawDevices() const { return rawDevicesList_; }
@@ -128,6 +136,7 @@ public:
 
     /// Name of the application's log file, kept for the application alone.
     QString appLogFileName() const { return appLogFile_; }
+    /// Sets what appLogFileName() returns; no device changes.
     void setAppLogFileName(const QString& fileName) { appLogFile_ = fileName; }
 
 private:

@@ -47,8 +47,11 @@ public:
     /// Adds a sub-module, or renames the one with this number.
     void addSubModule(unsigned int id, const QString& name);
 
+    /// Number of the module, a single bit.
     Module module() const { return module_; }
+    /// Display name.
     QString name() const { return name_; }
+    /// Display name, the static text it was made from.
     const char* name_cstr() const { return name_cstr_; }
 
     /// Number of the sub-module with exactly this name (case-sensitive), or 0.

@@ -22,33 +22,51 @@ namespace pylon {
 /// Read the integer at the front of @p bytes; bytes beyond it are ignored.
 /// @pre @p bytes holds at least as many bytes as the result is wide.
 /// @{
+
+/// Signed, one byte.
 PYLON_EXPORT qint8 byteSpanToInt8(std::span<const std::byte> bytes) noexcept;
+/// Unsigned, one byte.
 PYLON_EXPORT quint8 byteSpanToUint8(std::span<const std::byte> bytes) noexcept;
+/// Signed, two bytes.
 PYLON_EXPORT qint16 byteSpanToInt16(std::span<const std::byte> bytes) noexcept;
+/// Unsigned, two bytes.
 PYLON_EXPORT quint16 byteSpanToUint16(std::span<const std::byte> bytes) noexcept;
+/// Signed, four bytes.
 PYLON_EXPORT qint32 byteSpanToInt32(std::span<const std::byte> bytes) noexcept;
+/// Unsigned, four bytes.
 PYLON_EXPORT quint32 byteSpanToUint32(std::span<const std::byte> bytes) noexcept;
+/// Signed, eight bytes.
 PYLON_EXPORT qint64 byteSpanToInt64(std::span<const std::byte> bytes) noexcept;
+/// Unsigned, eight bytes.
 PYLON_EXPORT quint64 byteSpanToUint64(std::span<const std::byte> bytes) noexcept;
 /// @}
 
 /// @name Checked readers
 /// As above, but without precondition: no value when @p bytes is shorter than the integer.
 /// @{
+
+/// Signed, one byte.
 [[nodiscard]] PYLON_EXPORT std::optional<qint8> tryByteSpanToInt8(
     std::span<const std::byte> bytes) noexcept;
+/// Unsigned, one byte.
 [[nodiscard]] PYLON_EXPORT std::optional<quint8> tryByteSpanToUint8(
     std::span<const std::byte> bytes) noexcept;
+/// Signed, two bytes.
 [[nodiscard]] PYLON_EXPORT std::optional<qint16> tryByteSpanToInt16(
     std::span<const std::byte> bytes) noexcept;
+/// Unsigned, two bytes.
 [[nodiscard]] PYLON_EXPORT std::optional<quint16> tryByteSpanToUint16(
     std::span<const std::byte> bytes) noexcept;
+/// Signed, four bytes.
 [[nodiscard]] PYLON_EXPORT std::optional<qint32> tryByteSpanToInt32(
     std::span<const std::byte> bytes) noexcept;
+/// Unsigned, four bytes.
 [[nodiscard]] PYLON_EXPORT std::optional<quint32> tryByteSpanToUint32(
     std::span<const std::byte> bytes) noexcept;
+/// Signed, eight bytes.
 [[nodiscard]] PYLON_EXPORT std::optional<qint64> tryByteSpanToInt64(
     std::span<const std::byte> bytes) noexcept;
+/// Unsigned, eight bytes.
 [[nodiscard]] PYLON_EXPORT std::optional<quint64> tryByteSpanToUint64(
     std::span<const std::byte> bytes) noexcept;
 /// @}

@@ -49,6 +49,7 @@ inline constexpr qsizetype defaultFrameChunkSize = qsizetype{512} * 1024;
 /// Thread-safety: not synchronised, also not the const members.
 class PYLON_EXPORT FrameReader {
 public:
+    /// What next() came to.
     enum class Status {
         Frame,      ///< A whole frame is there; it stays valid until next() or fill().
         NeedsData,  ///< The next frame is not complete yet. Never after finish().

@@ -74,27 +74,42 @@ public:
 
     /// @name Identity
     /// @{
+
+    /// Time stamp in 1/300 s since the Unix epoch, UTC.
     qint64 time() const;
     /// Only the low 48 bits fit the wire; a value outside them must not be sent.
     void setTime(qint64 time);
+    /// Number that the client gives the frame. Not on the wire.
     quint64 id() const;
     /// Changes the shared record although the handle is const.
     void setId(quint64 id) const;
+    /// Identifier of the server it came from, see serverUIDToString(). Not on the wire.
     quint64 ServerUid() const;
+    /// Sets what ServerUid() returns.
     void setServerUid(quint64 uid);
+    /// Number that the client gives the server. Not on the wire.
     quint32 serverId() const;
+    /// Sets what serverId() returns.
     void setServerId(quint32 id);
+    /// Place in an order of the client's own. Not on the wire.
     quint32 sortId() const;
+    /// Sets what sortId() returns.
     void setSortId(quint32 id);
+    /// Number that the client gives the stream. Not on the wire.
     quint16 streamId() const;
+    /// Sets what streamId() returns.
     void setStreamId(quint16 id);
     /// Bits 0-15 are cameraId(), bits 16-31 trackId().
     quint32 channel() const;
+    /// Sets camera and track together.
     void setChannel(quint32 channel);
+    /// Camera, 0 to 65535; 255 for events.
     quint32 cameraId() const;
+    /// Track of the camera, 0 to 65535.
     quint32 trackId() const;
     /// Time stamp of the next frame of a linked stream.
     qint64 linkedStreamNextTimeStamp() const;
+    /// Sets it, in 1/300 s. Not on the wire.
     void setLinkedStreamNextTimeStamp(qint64 time);
     /// @}
 
@@ -110,6 +125,7 @@ public:
     quint8 rate() const;
     /// All flag bits, also those without meaning here.
     quint8 flags() const;
+    /// Replaces all flag bits.
     void setFlags(quint8 flags);
     /// Sets the given bits, leaves the others.
     void addFlags(quint8 flags);
@@ -123,10 +139,13 @@ public:
     bool isRecording() const;
     /// True when the payload is encrypted now.
     bool isEncrypted() const;
+    /// Says whether the payload is encrypted now; the payload itself stays as it is.
     void setEncrypted(bool encrypted);
     /// True when the frame arrived encrypted, whatever setEncrypted() said since.
     bool receivedEncrypted() const;
+    /// What the client found out about the frame's signature. Not on the wire.
     AuthenticationState authenticationState() const;
+    /// Sets what authenticationState() returns.
     void setAuthenticationState(AuthenticationState state);
     /// True when the frame has no size: it was neither loaded nor given a payload by setPayload().
     bool isNull() const;
@@ -176,7 +195,9 @@ public:
     void setExtensions(const ImageHeader& header);
     /// Side data of the client, see ImageHeader::setAttachedData().
     QByteArray attachedData() const;
+    /// Text of the slot CameraName, UTF-8; empty when there is none.
     QString cameraName() const;
+    /// Text of the slot ServerName, UTF-8; empty when there is none.
     QString serverName() const;
     /// True when the slot Marks contains an "h".
     bool isHidden() const;
@@ -222,12 +243,17 @@ public:
     QDateTime qDateTimeServerTimeZone() const;
     /// The frame's own wall-clock time.
     std::string dateTime(const char* format) const;
+    /// The wall-clock time of @p zone.
     QDateTime qDateTime(const TimeZone& zone) const;
+    /// The wall-clock time of @p zone as text.
     QString dateTime(const TimeZone& zone, const QString& format) const;
+    /// The same, in UTF-8.
     std::string dateTime(const TimeZone& zone, const char* format) const;
+    /// The same as dateTime(const TimeZone&, const QString&) const.
     QString dateTimeQString(const QString& format, const TimeZone& zone) const;
     /// The wall-clock time of @p zone at @p time (1/300 s).
     static QDateTime qDateTime(const TimeZone& zone, quint64 time);
+    /// The same as text, in UTF-8.
     static std::string dateTime(const TimeZone& zone, quint64 time, const char* format);
     /// @p msecs since the Unix epoch in the machine's local time zone.
     static std::string dateTime(quint64 msecs, const char* format);

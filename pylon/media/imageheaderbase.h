@@ -109,7 +109,7 @@ public:
     QByteArray attachedData;
     /// Runs since this object, or the one it was copied from, was constructed.
     NanoElapsedTimer loadTimer;
-    /// The slots, indexed by ImageHeaderExtension: always #imageHeaderExtensionCount entries.
+    /// The slots, indexed by ImageHeaderExtension: always imageHeaderExtensionCount entries.
     QList<QByteArray> extensions = QList<QByteArray>(imageHeaderExtensionCount);
 
 protected:

@@ -13,6 +13,7 @@ class PYLON_EXPORT SynchronousProcess : public QProcess {
     Q_OBJECT
 
 public:
+    /// A process that is not started; @p parent may be null.
     Q_INVOKABLE explicit SynchronousProcess(QObject* parent = nullptr);
     ~SynchronousProcess() override;
 };

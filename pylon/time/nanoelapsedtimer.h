@@ -20,9 +20,13 @@ class PYLON_EXPORT NanoElapsedTimer {
 public:
     /// A timer that is not started. Allocates nothing.
     NanoElapsedTimer() noexcept;
+    /// A timer with the start of @p other.
     NanoElapsedTimer(const NanoElapsedTimer& other);
+    /// Takes the start of @p other.
     NanoElapsedTimer(NanoElapsedTimer&& other) noexcept;
+    /// Takes over the start of @p other.
     NanoElapsedTimer& operator=(const NanoElapsedTimer& other);
+    /// Takes the start of @p other.
     NanoElapsedTimer& operator=(NanoElapsedTimer&& other) noexcept;
     ~NanoElapsedTimer();
 
@@ -46,13 +50,22 @@ public:
     /// the unit of the second name, or, for elapsed(), to the same reading in microseconds and
     /// nanoseconds.
     /// @{
+
+    /// Milliseconds, and the same in microseconds.
     long long elapsed(long long& usecs) const;
+    /// Milliseconds, and the same in microseconds and in nanoseconds.
     long long elapsed(long long& usecs, long long& nsecs) const;
+    /// Milliseconds and the remaining nanoseconds.
     long long elapsedMSecsPlusNSecs(int& nsecs) const;
+    /// Milliseconds and the remaining microseconds.
     long long elapsedMSecsPlusUSecs(int& usecs) const;
+    /// Microseconds and the remaining nanoseconds.
     long long elapsedUSecsPlusNSecs(int& nsecs) const;
+    /// Seconds and the remaining milliseconds.
     long long elapsedSecsPlusMSecs(int& msecs) const;
+    /// Seconds and the remaining microseconds.
     long long elapsedSecsPlusUSecs(int& usecs) const;
+    /// Seconds and the remaining nanoseconds.
     long long elapsedSecsPlusNSecs(int& nsecs) const;
     /// @}
 

@@ -13,7 +13,9 @@ public:
     /// A timer that runs from the counter's zero; call start() before reading.
     Timer();
 
+    /// Measures from now on; a stopped timer runs again.
     void start();
+    /// Keeps the time measured so far.
     void stop();
 
     /// Microseconds, with fraction.

@@ -29,7 +29,9 @@ public:
     /// The moment itself.
     ptimeval moment() const { return {seconds_, microseconds_}; }
 
+    /// A stamp of now, to the microsecond where the clock has it.
     static Timestamp currentTimeStamp();
+    /// Now, as seconds and microseconds since the Unix epoch.
     static ptimeval currentPTimeVal();
 
     /// Sets the stamp to the current time.

@@ -59,9 +59,11 @@ public:
 
     /// Quarter hours east of UTC; see isValidOffset().
     signed char offset() const noexcept { return offset_; }
+    /// Abbreviation as it travels in frames; may be unknown.
     TimeZoneAbbrevation abbrevation() const noexcept { return abbrevation_; }
     /// Short name, normally an abbreviation such as "UTC" or "CET"; may be empty.
     std::string name() const { return name_; }
+    /// Whether the value stands for the recording server's own time zone.
     bool isServerTimeZone() const noexcept { return serverTimeZone_; }
 
     /// Whether the offset is within -95..95.

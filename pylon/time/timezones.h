@@ -73,6 +73,7 @@ public:
 
     /// Refers to the same table as @p other afterwards.
     TimeZones& operator=(const TimeZones& other);
+    /// Refers to the same table as @p other.
     TimeZones(const TimeZones& other);
     ~TimeZones();
 
