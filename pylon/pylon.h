@@ -4,6 +4,7 @@
 /// Every public header of the library.
 
 #include <pylon/export.h>
+#include <pylon/geometry/displaygeometry.h>
 #include <pylon/geometry/gentools.h>
 #include <pylon/log/arg.h>
 #include <pylon/log/assertions.h>
@@ -31,8 +32,23 @@
 #include <pylon/media/lyraimageheaderparser.h>
 #include <pylon/media/lyraimageheaderparserv4.h>
 #include <pylon/media/motionutils.h>
+#include <pylon/platform/consolereader.h>
+#include <pylon/platform/deferreddeletion.h>
 #include <pylon/platform/osal.h>
+#include <pylon/platform/plugins.h>
+#include <pylon/platform/querysysteminfo.h>
+#include <pylon/platform/signalblocker.h>
+#include <pylon/platform/signals.h>
+#include <pylon/platform/stacktrace.h>
 #include <pylon/platform/synchronousprocess.h>
+#include <pylon/platform/systeminfo.h>
+#include <pylon/security/credentials.h>
+#include <pylon/security/cryptoerror.h>
+#include <pylon/security/cryptotools.h>
+#include <pylon/security/lockedkey.h>
+#include <pylon/security/randomgenerator.h>
+#include <pylon/security/serveruid.h>
+#include <pylon/security/symmetrickey.h>
 #include <pylon/time/elapsedtimer.h>
 #include <pylon/time/nanoelapsedtimer.h>
 #include <pylon/time/renderingtimings.h>

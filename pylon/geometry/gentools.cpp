@@ -6,6 +6,9 @@ namespace pylon {
 
 namespace {
 
+// Far beyond any layout: a bound for numbers gone wrong.
+constexpr quint64 maxCells = quint64{1} << 24;
+
 unsigned int halvingsToFit(unsigned int size, unsigned int limit) {
     unsigned int count = 0;
     for (; size > limit; size >>= 1)
@@ -34,10 +37,11 @@ void GenTools::bestGridLayoutDim(unsigned int count, unsigned int& columns, unsi
 }
 
 QList<QRectF> GenTools::split(const QRectF& rect, unsigned int columns, unsigned int rows) {
+    const quint64 count = quint64{columns} * rows;
+    if (count == 0 || count > maxCells)
+        return {};
     QList<QRectF> cells;
-    if (columns == 0 || rows == 0)
-        return cells;
-    cells.reserve(static_cast<qsizetype>(quint64{columns} * rows));
+    cells.reserve(static_cast<qsizetype>(count));
     const qreal width = rect.width() / columns;
     const qreal height = rect.height() / rows;
     for (unsigned int row = 0; row < rows; ++row) {

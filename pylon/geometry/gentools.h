@@ -34,7 +34,8 @@ public:
     ///
     /// The grid begins at (0, 0) wherever @p rect lies: translate the cells by its position where
     /// that is wanted.
-    /// @return @p columns × @p rows cells, none if either number is 0.
+    /// @return @p columns × @p rows cells; none if either number is 0 or these are more
+    /// than 16,777,216, which take half a gigabyte.
     static QList<QRectF> split(const QRectF& rect, unsigned int columns, unsigned int rows);
 };
 

@@ -85,6 +85,8 @@ void TestGenTools::cells() {
     QCOMPARE(GenTools::split(rect, 1, 2), (List{{0, 0, 100, 25}, {0, 25, 100, 25}}));
     QCOMPARE(GenTools::split(rect, 2, 0), List());
     QCOMPARE(GenTools::split(rect, 0, 2), List());
+    for (const unsigned int rows : {1u, 0x8000'0000u, UINT_MAX})  // more than there is memory for
+        QCOMPARE(GenTools::split(rect, UINT_MAX, rows), List());
 }
 
 QTEST_APPLESS_MAIN(TestGenTools)
