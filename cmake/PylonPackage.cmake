@@ -49,6 +49,19 @@ endif()
 if(WIN32)
   # One archive that runs from any folder.
   set(CPACK_GENERATOR ZIP)
+  if(PYLON_WINDOWS_SYSROOT)
+    find_file(PYLON_CRYPTO_DLL libcrypto-3-x64.dll REQUIRED
+      PATHS ${PYLON_WINDOWS_SYSROOT}/bin NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+    set(dlls ${PYLON_CRYPTO_DLL})
+    foreach(name libstdc++-6 libgcc_s_seh-1 libwinpthread-1)
+      find_file(PYLON_DLL_${name} ${name}.dll REQUIRED
+        PATHS ${CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES} NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+      list(APPEND dlls ${PYLON_DLL_${name}})
+    endforeach()
+    install(FILES ${dlls} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+    install(IMPORTED_RUNTIME_ARTIFACTS Qt6::Core Qt6::Network Qt6::Xml
+      RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+  endif()
   set(CPACK_PACKAGE_FILE_NAME "pylonsdk-util-${PROJECT_VERSION}-win64")
 else()
   set(CPACK_GENERATOR DEB)
