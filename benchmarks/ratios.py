@@ -38,6 +38,8 @@ LIMITS = {
         for step in (2, 4, 8, 15)
         for way in ("MotionUtils", "MotionUtilsChecked")
     },
+    ("Zoom/DisplayGeometry", "Peer_Unlimited"): 3.0,
+    ("AddOffset/DisplayGeometry", "Peer_Unlimited"): 4.0,
     ("EncodeMask/MotionUtils", "Peer_Zlib1"): 0.5,
     ("DecodeMask/MotionUtils", "Peer_Zlib1"): 0.5,
 }
