@@ -292,10 +292,9 @@ public:
     /// is in the header of the frame.
     /// @{
 
-    /// Writes @p size bytes at @p data to a file in the folder TestServerData/unit/images of the
-    /// user's home directory, or for frames of camera 255 in its subfolder event; the folder must
-    /// exist. A file of that name is overwritten. Whether the file could be opened is told by one
-    /// line on standard output, nothing else is reported.
+    /// Writes @p size bytes at @p data to a file in the dumpFolder() of @p frame, which must exist.
+    /// A file of that name is overwritten. Whether the file could be opened is told by one line on
+    /// standard output, nothing else is reported.
     ///
     /// The name is
     ///
@@ -311,6 +310,10 @@ public:
     /// A name with a path separator in it, as a camera name may bring, is never opened.
     static void dump(const char* data, quint32 size, const Image& frame, quint32 a, quint32 b,
                      quint32 c);
+
+    /// Where dump() writes @p frame, with a "/" at the end: TestServerData/unit/images in the
+    /// user's home directory, or for frames of camera 255 the folder event in that.
+    static QString dumpFolder(const Image& frame);
 
     /// Replaces the frame by the one in the file at @p path, which must hold exactly that frame.
     /// @return false when the file cannot be opened; the frame is then unchanged.

@@ -71,11 +71,6 @@ QString dumpName(quint32 size, const Image& frame, quint32 a, quint32 b, quint32
     return name.finish(frame.cameraName().replace(u' ', u'_') + QStringLiteral(".bin"));
 }
 
-QString dumpFolder(const Image& frame) {
-    const QString folder = QDir::homePath() + QStringLiteral("/TestServerData/unit/images/");
-    return frame.cameraId() == eventCameraId ? folder + QStringLiteral("event/") : folder;
-}
-
 // Names come from the network: one that leads elsewhere must not be followed.
 bool staysInFolder(const QString& name) {
     return !name.contains(u'/') && !name.contains(QDir::separator());
@@ -100,6 +95,11 @@ void Image::dump(const char* data, quint32 size, const Image& frame, quint32 a, 
     }
     report("    dumped", name);
     file.write(data, size);
+}
+
+QString Image::dumpFolder(const Image& frame) {
+    const QString folder = QDir::homePath() + QStringLiteral("/TestServerData/unit/images/");
+    return frame.cameraId() == eventCameraId ? folder + QStringLiteral("event/") : folder;
 }
 
 bool Image::undump(const QString& path) {

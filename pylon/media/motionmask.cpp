@@ -182,6 +182,8 @@ public:
     }
 
     int width() const { return width_; }
+    // The character read last.
+    const char* lastRead() const { return at_ - 1; }
     const char* cells() const { return cells_.data(); }
     std::size_t filled() const { return static_cast<std::size_t>(filled_); }
 
@@ -309,17 +311,18 @@ int MotionUtils::decodeMask(const char* text, char (*mask)[maskWidth]) {
 
 std::optional<int> MotionUtils::tryDecodeMask(std::span<const char> text, std::span<char> mask,
                                               QString* error) {
-    const auto fail = [error](const char* reason) {
+    const auto fail = [error](const QString& reason) {
         if (error)
-            *error = QLatin1String(reason);
+            *error = reason;
         return std::nullopt;
     };
     if (mask.size() < std::size_t{gridCells})
-        return fail("Mask too small");
+        return fail(QStringLiteral("Mask too small"));
     const char* const begin = text.empty() ? "" : text.data();
     MaskReader reader(begin, begin + text.size());
     if (!reader.readCells())
-        return fail("Invalid character in mask text");
+        return fail(QStringLiteral("Invalid character in mask text at byte %1")
+                        .arg(reader.lastRead() - begin));
     std::memcpy(mask.data(), reader.cells(), reader.filled());
     return reader.width();
 }

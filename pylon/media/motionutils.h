@@ -70,8 +70,8 @@ public:
 
     /// decodeMask() with sizes. @p mask holds 90 times 120 cells or more, of which the first are
     /// filled; after a failure it is unchanged. Unlike there, @p text ends with its last character.
-    /// @param[out] error receives the reason of a failure, if given: "Mask too small" or "Invalid
-    ///     character in mask text".
+    /// @param[out] error receives the reason of a failure, if given: "Mask too small", or "Invalid
+    ///     character in mask text at byte N", counted from 0.
     /// @return the width, or none after a failure.
     [[nodiscard]] static std::optional<int> tryDecodeMask(std::span<const char> text,
                                                           std::span<char> mask,

@@ -35,7 +35,7 @@ bool Extractor::fail(const QString& path, const QString& reason) {
     return false;
 }
 
-bool Extractor::add(const FrameReader& reader) {
+bool Extractor::add(const FrameReader& reader, qint64 offset) {
     if (!error_.isEmpty())
         return false;
     if (reader.payload().isEmpty())
@@ -47,7 +47,7 @@ bool Extractor::add(const FrameReader& reader) {
     const bool hasTrack = tracks_.contains(image.channel());
     if (AudioTrack::canDecode(image) && (hasTrack || tracks_.size() < maxTracks))
         return addSound(reader);
-    return writePayload(reader);
+    return writePayload(reader, offset);
 }
 
 bool Extractor::addSound(const FrameReader& reader) {
@@ -67,11 +67,11 @@ bool Extractor::addSound(const FrameReader& reader) {
     return track->add(image, silenceLeft_) || fail(path, track->file().errorText());
 }
 
-bool Extractor::writePayload(const FrameReader& reader) {
+bool Extractor::writePayload(const FrameReader& reader, qint64 offset) {
     const Image& image = reader.headerImage();
     const QByteArrayView payload = reader.payload();
     const QString path = pathOf(QStringLiteral("%1-camera%2.%3")
-                                    .arg(reader.offset(), 12, 10, QLatin1Char('0'))
+                                    .arg(offset, 12, 10, QLatin1Char('0'))
                                     .arg(image.cameraId())
                                     .arg(QLatin1String(suffixOf(image, payload))));
     QFile file(path);

@@ -13,7 +13,7 @@ class FrameReader;
 
 namespace pylon::inspector {
 
-/// Writes what is in the frames of one input into files of one folder. Their names consist of
+/// Writes what is in the frames of one recording into files of one folder. Their names consist of
 /// numbers alone, and no file that is there is ever touched. Not thread-safe.
 class Extractor {
 public:
@@ -26,8 +26,9 @@ public:
     /// @param prefix starts the name of every file.
     Extractor(const QString& folder, const QString& prefix) : folder_(folder), prefix_(prefix) {}
 
-    /// Takes the current frame of @p reader. False, and errorText(), after the first failure.
-    bool add(const FrameReader& reader);
+    /// Takes the current frame of @p reader, which begins at @p offset of the recording. False, and
+    /// errorText(), after the first failure.
+    bool add(const FrameReader& reader, qint64 offset);
     /// Completes the WAV files. To be called last.
     bool finish();
 
@@ -37,7 +38,7 @@ public:
 private:
     QString pathOf(const QString& name) const;
     bool addSound(const FrameReader& reader);
-    bool writePayload(const FrameReader& reader);
+    bool writePayload(const FrameReader& reader, qint64 offset);
     bool fail(const QString& path, const QString& reason);
 
     QString folder_;

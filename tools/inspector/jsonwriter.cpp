@@ -31,10 +31,10 @@ void appendSlots(QByteArray& out, const Image& image) {
 
 }  // namespace
 
-void appendJson(QByteArray& out, const FrameReader& reader) {
+void appendJson(QByteArray& out, const FrameReader& reader, qint64 offset) {
     const Image& image = reader.headerImage();
     const char16_t type = image.type();
-    appendField(out, "{\"offset\":", reader.offset());
+    appendField(out, "{\"offset\":", offset);
     appendField(out, ",\"size\":", qint64{image.totalSize()});
     appendField(out, ",\"time300\":", image.time());
     appendField(out, ",\"timestampMs\":", image.timestampMSec());

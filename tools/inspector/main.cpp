@@ -2,6 +2,7 @@
 
 #include "console.h"
 #include "inspector.h"
+#include "motionview.h"
 #include "terminal.h"
 
 using namespace pylon::inspector;
@@ -38,6 +39,8 @@ int main(int argc, char* argv[]) {
         case Options::Action::ListZones:
             return print(zoneListing());
         case Options::Action::Inspect:
+        case Options::Action::ShowMask:
+        case Options::Action::ShowDiffMap:
             break;
     }
     if (!applyFilter(options->log, &error))
@@ -46,5 +49,5 @@ int main(int argc, char* argv[]) {
         complain(error);
         return InputFailed;
     }
-    return inspect(*options);
+    return options->action == Options::Action::Inspect ? inspect(*options) : showMotion(*options);
 }

@@ -10,9 +10,13 @@ namespace pylon::inspector {
 namespace {
 
 constexpr char help[] = R"(Usage: pylon-inspect [options] FILE...
+       pylon-inspect --mask FILE [--png OUT]
+       pylon-inspect --diffmap FILE [--png OUT]
 
 Shows what is inside recordings of network frames: a line a frame, then a summary
-of each camera and track. The FILE "-" is standard input.
+of each camera and track. The FILE "-" is standard input. A FILE may also be a dumped
+frame, or a folder of them: those in one folder, and FILEs named img-*.bin that follow
+each other, are shown as one recording, in the order of their times.
 
 Output:
   --json             a JSON object a line for each frame, and nothing else
@@ -33,6 +37,19 @@ Extraction:
                      A gap in the sound becomes silence, at most 60 s each and 100 MB in
                      all, then the sound goes on. Sound that overlaps what came before
                      by up to 10 s is cut; from further back, it goes on at once.
+  --dump             write each frame shown, as it was received, to a file of its own in
+                     the folder TestServerData/unit/images of your home directory, those
+                     of camera 255 to the folder event in that; both are made if needed.
+                     Files are named img-A_B_C-HEADER-CAMERA.bin: recording A of the
+                     command line, frame B of that, at byte C, then what the header says.
+                     A file of the same name is overwritten. The table has a line more for
+                     each frame, with the length of the name, and the name.
+
+Motion:
+  --mask FILE        show the text form of a motion mask, as blocks
+  --diffmap FILE     show a difference map, coded or not, as shades
+  --png OUT          write that as a picture, too, 8 x 8 pixels a cell, watched cells and
+                     the strongest motion being white; OUT must not exist
 
 Reading:
   --resync           after damage go on at the next thing that looks like a frame and is
@@ -68,10 +85,14 @@ Exit status: 0 everything was read; 1 a file is damaged or cannot be read, or ou
 failed; 2 the command line is wrong.
 )";
 
-constexpr const char* flags[] = {"help",    "h",     "version", "json",
-                                 "summary", "zones", "resync",  "verbose"};
-constexpr const char* valueOptions[] = {"zone",       "camera", "type",     "log-level",
-                                        "log-filter", "log",    "log-size", "extract"};
+constexpr const char* flags[] = {"help",  "h",    "version", "json",   "summary",
+                                 "zones", "dump", "resync",  "verbose"};
+constexpr const char* valueOptions[] = {"zone",       "camera",  "type",     "log-level",
+                                        "log-filter", "log",     "log-size", "extract",
+                                        "mask",       "diffmap", "png"};
+// Those that are about recordings.
+constexpr const char* recordingOptions[] = {"json", "summary", "zone", "camera",
+                                            "type", "extract", "dump", "resync"};
 
 void addOptions(QCommandLineParser& parser) {
     for (const char* name : flags)
@@ -94,14 +115,8 @@ public:
         if (isSet("zones"))
             return only(Options::Action::ListZones);
         if (!readFormat() || !readZone() || !readCameras() || !readTypes() || !readLog() ||
-            !readFiles())
+            !readExtraction() || !readMotion() || !readFiles())
             return {};
-        options_.resync = isSet("resync");
-        options_.extractFolder = value("extract");
-        if (isSet("extract") && options_.extractFolder.isEmpty()) {
-            refuse(QStringLiteral("--extract needs the name of a folder"));
-            return {};
-        }
         return options_;
     }
 
@@ -183,9 +198,54 @@ private:
         return true;
     }
 
+    bool readExtraction() {
+        options_.resync = isSet("resync");
+        options_.dump = isSet("dump");
+        options_.extractFolder = value("extract");
+        return !isSet("extract") || !options_.extractFolder.isEmpty() ||
+               refuse(QStringLiteral("--extract needs the name of a folder"));
+    }
+
+    bool readMotion() {
+        options_.pngFile = value("png");
+        if (isSet("mask"))
+            options_.action = Options::Action::ShowMask;
+        if (isSet("diffmap"))
+            options_.action = Options::Action::ShowDiffMap;
+        if (isSet("mask") && isSet("diffmap"))
+            return refuse(QStringLiteral("--mask and --diffmap exclude each other"));
+        if (isSet("png") && options_.action == Options::Action::Inspect)
+            return refuse(QStringLiteral("--png needs --mask or --diffmap"));
+        if (isSet("png") && (options_.pngFile.isEmpty() || options_.pngFile == QLatin1String("-")))
+            return refuse(QStringLiteral("--png needs the name of a file"));
+        return true;
+    }
+
     bool readFiles() {
         options_.files = parser_.positionalArguments();
-        return !options_.files.isEmpty() || refuse(QStringLiteral("no file given"));
+        if (options_.action != Options::Action::Inspect && !readMotionFile())
+            return false;
+        if (options_.files.isEmpty())
+            return refuse(QStringLiteral("no file given"));
+        return !options_.files.contains(QString()) ||
+               refuse(QStringLiteral("the name of a file is empty"));
+    }
+
+    bool readMotionFile() {
+        const char* const option =
+            options_.action == Options::Action::ShowMask ? "mask" : "diffmap";
+        const auto refuseBeside = [&](const QString& what) {
+            return refuse(
+                QStringLiteral("--%1 FILE does not go with %2").arg(QLatin1String(option), what));
+        };
+        for (const char* other : recordingOptions) {
+            if (isSet(other))
+                return refuseBeside(QLatin1String("--") + QLatin1String(other));
+        }
+        if (!options_.files.isEmpty() || values(option).size() > 1)
+            return refuseBeside(QStringLiteral("another FILE"));
+        options_.files = values(option);
+        return true;
     }
 
     const QCommandLineParser& parser_;

@@ -13,7 +13,7 @@ namespace pylon::inspector {
 
 /// What the command line asks for.
 struct Options {
-    enum class Action { Inspect, ListZones, ShowHelp, ShowVersion };
+    enum class Action { Inspect, ShowMask, ShowDiffMap, ListZones, ShowHelp, ShowVersion };
     enum class Format { Table, Summary, Json };
 
     Action action = Action::Inspect;
@@ -22,9 +22,11 @@ struct Options {
     QList<quint32> cameras;    ///< Empty for all.
     QList<quint8> types;       ///< Empty for all.
     QString extractFolder;     ///< Empty for no extraction.
+    bool dump = false;         ///< Dump frames.
     bool resync = false;       ///< Go on after damage.
+    QString pngFile;           ///< For the picture of a mask or difference map; empty for none.
     LogOptions log;
-    QStringList files;  ///< "-" is standard input.
+    QStringList files;  ///< "-" is standard input; of a mask or difference map there is one.
 
     bool selects(const Image& image) const {
         return (cameras.isEmpty() || cameras.contains(image.cameraId())) &&

@@ -108,13 +108,13 @@ void TableWriter::appendTime(QByteArray& out, const Image& image) {
     appendCell(out, cell_, columns[Time].width);
 }
 
-void TableWriter::appendFrame(QByteArray& out, const FrameReader& reader) {
+void TableWriter::appendFrame(QByteArray& out, const FrameReader& reader, qint64 offset) {
     if (!headingDone_) {
         appendHeading(out);
         headingDone_ = true;
     }
     const Image& image = reader.headerImage();
-    appendCell(out, reader.offset(), offsetWidth_);
+    appendCell(out, offset, offsetWidth_);
     out.append(gap);
     appendTime(out, image);
     out.append(gap);

@@ -21,8 +21,9 @@ public:
     /// @param zone for all times; without it each frame's own.
     TableWriter(qint64 inputSize, std::optional<Zone> zone, const Style& style);
 
-    /// Appends the line of the current frame of @p reader, the first time below a heading.
-    void appendFrame(QByteArray& out, const FrameReader& reader);
+    /// Appends the line of the current frame of @p reader, which begins at @p offset of the
+    /// recording; the first time below a heading.
+    void appendFrame(QByteArray& out, const FrameReader& reader, qint64 offset);
 
 private:
     void appendHeading(QByteArray& out) const;
