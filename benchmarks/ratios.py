@@ -40,6 +40,11 @@ LIMITS = {
     },
     ("Zoom/DisplayGeometry", "Peer_Unlimited"): 3.0,
     ("AddOffset/DisplayGeometry", "Peer_Unlimited"): 4.0,
+    **{(f"Keystream{size}/BlowfishECB", "Peer_BfOfb64"): 1.05 for size in ("1KiB", "64KiB", "1MiB")},
+    **{
+        (f"Base64Of{size}/Base64", "Peer_EvpEncodeBlock"): 1.0
+        for size in ("6B", "18B", "1KiB", "1MiB")
+    },
     ("EncodeMask/MotionUtils", "Peer_Zlib1"): 0.5,
     ("DecodeMask/MotionUtils", "Peer_Zlib1"): 0.5,
 }

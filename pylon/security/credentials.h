@@ -20,7 +20,7 @@ namespace pylon {
 
 /// Writes the Base64 form (RFC 4648, with '=' padding, no line breaks) of @p length bytes: 4
 /// characters for every 3 bytes begun, and no 0 byte behind them. Nothing if @p data is null or
-/// @p length is below 1. The time it takes depends on the length alone.
+/// @p length is below 1.
 PYLON_EXPORT void base64(const unsigned char* data, int length, char* out);
 
 /// @name Password hashes
@@ -70,8 +70,8 @@ PYLON_EXPORT bool passwordsAreEqual(const QString& stored, const QString& user,
                                     const QString& password);
 
 /// Whether @p stored is the credential of this user and password with this key, an empty one taken
-/// as it is. Answers as passwordsAreEqual() does for an empty key, but the time it takes depends on
-/// the lengths of the texts alone, not on what they have in common.
+/// as it is. Answers as passwordsAreEqual() does for an empty key, but takes no longer or shorter
+/// the more two credentials of the same length have in common.
 [[nodiscard]] PYLON_EXPORT bool credentialMatches(const QString& stored, const QString& user,
                                                   const QString& password,
                                                   const QString& key = QString());
