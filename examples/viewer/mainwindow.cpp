@@ -3,6 +3,7 @@
 #include <pylon/log/logmacros.h>
 
 #include <QtGui/QPainter>
+#include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QHBoxLayout>
@@ -94,8 +95,11 @@ QWidget* MainWindow::makeHeading() {
     openButton->setShortcut(QKeySequence::Open);
     connect(openButton, &QToolButton::clicked, this, &MainWindow::chooseFile);
     title_ = new QLabel(QStringLiteral("No recording"));
-
     title_->setTextFormat(Qt::PlainText);
+
+    aspectBox_ = new QCheckBox(QStringLiteral("Keep proportions"));
+    aspectBox_->setChecked(true);
+    connect(aspectBox_, &QCheckBox::toggled, grid_, &TileGrid::setKeepAspect);
     zoneBox_ = new QComboBox;
     for (const ZoneChoice& choice : zones_)
         zoneBox_->addItem(choice.label);
@@ -104,6 +108,7 @@ QWidget* MainWindow::makeHeading() {
 
     row->addWidget(openButton);
     row->addWidget(title_, 1);
+    row->addWidget(aspectBox_);
     row->addWidget(new QLabel(QStringLiteral("Times in")));
     row->addWidget(zoneBox_);
     return heading;
@@ -141,6 +146,7 @@ bool MainWindow::open(const QString& path) {
     shownTime_ = recording->begin;
     grid_->setCameras(recording->cameras);
     grid_->setZone(zones_[zoneBox_->currentIndex()].zone);
+    grid_->setKeepAspect(aspectBox_->isChecked());
     slider_->parentWidget()->setEnabled(true);
     playback_.setSpan(recording->begin, recording->end);
     return true;

@@ -8,6 +8,7 @@
 #include "playback.h"
 #include "zonechoice.h"
 
+class QCheckBox;
 class QComboBox;
 class QLabel;
 class QSlider;
@@ -34,6 +35,7 @@ public:
     bool setZone(const QString& text, QString* error);
 
     Playback& playback() { return playback_; }
+    TileGrid& grid() const { return *grid_; }
 
 private:
     QWidget* makeHeading();
@@ -49,6 +51,7 @@ private:
     QList<Image> events_;
     qint64 shownTime_ = 0;
     QLabel* title_;
+    QCheckBox* aspectBox_;
     QComboBox* zoneBox_;
     TileGrid* grid_;
     QToolButton* playButton_;

@@ -2,6 +2,8 @@
 
 #include <pylon/geometry/gentools.h>
 
+#include <algorithm>
+
 namespace pylon::viewer {
 
 namespace {
@@ -28,6 +30,16 @@ void TileGrid::showTime(qint64 time) {
 void TileGrid::setZone(const TimeZone& zone) {
     for (TileWidget* tile : tiles_)
         tile->setZone(zone);
+}
+
+void TileGrid::setKeepAspect(bool on) {
+    for (TileWidget* tile : tiles_)
+        tile->view().setKeepAspect(on);
+}
+
+TileWidget* TileGrid::tileOf(quint32 camera) const {
+    const auto tile = std::ranges::find(tiles_, camera, &TileWidget::cameraId);
+    return tile == tiles_.end() ? nullptr : *tile;
 }
 
 void TileGrid::resizeEvent(QResizeEvent*) {

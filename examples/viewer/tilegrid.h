@@ -20,8 +20,11 @@ public:
     void setCameras(const QList<Camera>& cameras);
     void showTime(qint64 time);
     void setZone(const TimeZone& zone);
+    void setKeepAspect(bool on);
 
     const QList<TileWidget*>& tiles() const { return tiles_; }
+    /// The tile of the camera with this number, null if there is none.
+    TileWidget* tileOf(quint32 camera) const;
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

@@ -38,8 +38,10 @@ TileWidget::TileWidget(const Camera& camera, QWidget* parent)
     : QWidget(parent),
       camera_(camera),
       zone_(ServerTimeZone()),
-      content_(camera.pictures.isEmpty() ? Content::SoundOnly : Content::Nothing) {
+      content_(camera.pictures.isEmpty() ? Content::SoundOnly : Content::Nothing),
+      view_(new PictureView(this)) {
     setAttribute(Qt::WA_OpaquePaintEvent);
+    view_->hide();
 }
 
 void TileWidget::showTime(qint64 time) {
@@ -52,21 +54,27 @@ void TileWidget::showTime(qint64 time) {
 
 void TileWidget::showFrame(const Image* frame) {
     frame_ = frame;
-    picture_ = {};
+    view_->setPicture(decode(frame));
+    view_->setVisible(content_ == Content::Picture);
+    updateCaption();
+    update();
+}
+
+QImage TileWidget::decode(const Image* frame) {
+    QImage picture;
     if (!frame) {
         content_ = Content::Nothing;
     } else if (frame->isEncrypted()) {
         content_ = Content::Encrypted;
     } else if (frame->isHidden()) {
         content_ = Content::Hidden;
-    } else if (picture_.loadFromData(frame->payload(), "JPG")) {
+    } else if (picture.loadFromData(frame->payload(), "JPG")) {
         content_ = Content::Picture;
     } else {
         content_ = Content::Damaged;
         PLOG_WARN(client, this, "not a JPEG picture: %s", frame->toString().toUtf8().constData());
     }
-    updateCaption();
-    update();
+    return picture;
 }
 
 void TileWidget::setZone(const TimeZone& zone) {
@@ -87,27 +95,19 @@ QRect TileWidget::captionRect() const {
     return rect().adjusted(0, stage().height(), 0, 0);
 }
 
-QRect TileWidget::pictureRect() const {
-    if (picture_.isNull())
-        return {};
-    QRect area({}, picture_.size().scaled(stage().size(), Qt::KeepAspectRatio));
-    area.moveCenter(stage().center());
-    return area;
+void TileWidget::resizeEvent(QResizeEvent*) {
+    view_->setGeometry(stage());
 }
 
 void TileWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    paintStage(painter);
+    if (content_ != Content::Picture)
+        paintNotice(painter);
     paintCaption(painter);
 }
 
-void TileWidget::paintStage(QPainter& painter) const {
+void TileWidget::paintNotice(QPainter& painter) const {
     painter.fillRect(stage(), theme::tile);
-    if (content_ == Content::Picture) {
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawImage(pictureRect(), picture_);
-        return;
-    }
     for (const Notice& notice : notices) {
         if (notice.content == content_)
             paintPlaceholder(painter, stage(), notice.symbol, QString::fromUtf8(notice.title),

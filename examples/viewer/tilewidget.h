@@ -3,9 +3,9 @@
 #include <pylon/media/image.h>
 #include <pylon/time/timezone.h>
 
-#include <QtGui/QImage>
 #include <QtWidgets/QWidget>
 
+#include "pictureview.h"
 #include "recording.h"
 
 namespace pylon::viewer {
@@ -27,27 +27,30 @@ public:
     /// The zone of the time in the caption.
     void setZone(const TimeZone& zone);
 
+    /// Where the pictures are shown. Hidden while there is none.
+    PictureView& view() const { return *view_; }
+    quint32 cameraId() const { return camera_.id; }
     Content content() const { return content_; }
     QString caption() const { return caption_; }
-    /// Where the picture is painted: as large as fits with its proportions; empty without one.
-    QRect pictureRect() const;
     QRect captionRect() const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void showFrame(const Image* frame);
+    QImage decode(const Image* frame);
     void updateCaption();
     QRect stage() const;
-    void paintStage(QPainter& painter) const;
+    void paintNotice(QPainter& painter) const;
     void paintCaption(QPainter& painter) const;
 
     Camera camera_;
     TimeZone zone_;
     const Image* frame_ = nullptr;  // in camera_
     Content content_;
-    QImage picture_;
+    PictureView* view_;
     QString caption_;  // the time; empty without a frame
 };
 
