@@ -40,6 +40,17 @@ function(pylon_configure_target target)
   endif()
 endfunction()
 
+# Gives a program of ours debug information in every build, for stack traces with file names and lines.
+function(pylon_describe_lines target)
+  if(MSVC)
+    target_compile_options(${target} PRIVATE /Zi)
+    target_link_options(${target} PRIVATE /DEBUG)
+  else()
+    # Wine reads none that is newer.
+    target_compile_options(${target} PRIVATE -gdwarf-4)
+  endif()
+endfunction()
+
 # pylon_sources(SOURCES … HEADERS …): adds the sources and public headers of one subsystem to the
 # library. Headers are sources too, or moc would pass them over.
 function(pylon_sources)

@@ -5,7 +5,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 say() { printf '== %s\n' "$*"; }
 
-build_packages="g++ cmake ninja-build ccache qt6-base-dev libssl-dev"
+build_packages="g++ cmake ninja-build ccache qt6-base-dev libssl-dev libboost-stacktrace-dev"
 
 # need_packages package…: installs those Debian packages that are missing, if any.
 need_packages() {
