@@ -3,6 +3,10 @@
 /// @file
 /// Every public header of the library.
 
+#include <pylon/data/compareipaddresses.h>
+#include <pylon/data/lyraurl.h>
+#include <pylon/data/version.h>
+#include <pylon/data/xmlresponse.h>
 #include <pylon/export.h>
 #include <pylon/geometry/displaygeometry.h>
 #include <pylon/geometry/gentools.h>
