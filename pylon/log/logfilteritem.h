@@ -5,6 +5,8 @@
 #include <QtCore/QList>
 #include <QtCore/QString>
 
+class QDebug;
+
 namespace pylon::plog {
 
 /// One term of a filter text: a module name and the names of some of its sub-modules.
@@ -30,6 +32,9 @@ public:
     Module module() const { return module_; }
     /// The bits of the known sub-modules, 0 until resolved.
     unsigned int subModules() const { return subModules_; }
+
+    /// Writes `LogFilterItem(Network{Login, Stream})`, with "not valid" behind it unless isValid().
+    friend PYLON_EXPORT QDebug operator<<(QDebug debug, const LogFilterItem& item);
 
 private:
     friend class LogFilter;

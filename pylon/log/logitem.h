@@ -5,7 +5,10 @@
 #include <pylon/log/logmodule.h>
 #include <pylon/time/timestamp.h>
 #include <QtCore/QByteArray>
+#include <QtCore/QMetaType>
 #include <QtCore/QString>
+
+class QDebug;
 
 namespace pylon::plog {
 
@@ -75,6 +78,9 @@ public:
     /// Appends the line that toCString() gives to @p out, without keeping it in the item.
     void appendTo(QByteArray& out) const;
 
+    /// Writes `LogItem(line)` with the line that toCString() gives.
+    friend PYLON_EXPORT QDebug operator<<(QDebug debug, const LogItem& item);
+
     /// @name Display switches
     /// Process-wide; set them before other threads log. Only usePrettyFunction() changes any
     /// output; the columns of a line are fixed.
@@ -130,3 +136,5 @@ private:
 PYLON_EXPORT QString printByteArray(const QByteArray& bytes);
 
 }  // namespace pylon::plog
+
+Q_DECLARE_METATYPE(pylon::plog::LogItem)

@@ -5,6 +5,8 @@
 #include <QtCore/QList>
 #include <QtCore/QString>
 
+class QDebug;
+
 namespace pylon::plog {
 
 /// Functional area of the SDK or of an application on it. Each module is one bit; modules combine
@@ -63,6 +65,9 @@ public:
     QList<QString> subModuleNames() const;
     /// All numbers, in no particular order.
     QList<unsigned int> subModules() const;
+
+    /// Writes `LogModule(Network, 0x2)`.
+    friend PYLON_EXPORT QDebug operator<<(QDebug debug, const LogModule& module);
 
 private:
     Module module_;

@@ -13,6 +13,7 @@
 #include <memory>
 #include <string>
 
+class QDebug;
 class QFile;
 
 namespace pylon {
@@ -271,6 +272,8 @@ public:
     QString toString() const;
     /// Id, time and time of day in UTC, such as `[ id: 7, time: 300 (00:00:01.000) ]`.
     QString idToString() const;
+    /// Writes the line that toString() gives.
+    friend PYLON_EXPORT QDebug operator<<(QDebug debug, const Image& image);
     /// @}
 
     /// @name Writing to the network

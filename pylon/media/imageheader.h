@@ -6,6 +6,8 @@
 #include <QtCore/QMetaType>
 #include <QtCore/QSharedPointer>
 
+class QDebug;
+
 namespace pylon {
 
 class Image;
@@ -46,6 +48,9 @@ public:
     /// The content of @p slot, valid until the header changes. Do not call it on a null handle:
     /// debug builds assert, others return an empty array.
     const QByteArray& extension(ImageHeaderExtension slot) const;
+
+    /// Writes `ImageHeader(channel 10003)`, in hexadecimal, or `ImageHeader(null)`.
+    friend PYLON_EXPORT QDebug operator<<(QDebug debug, const ImageHeader& header);
 
 private:
     friend class Image;

@@ -3,12 +3,18 @@
 #include <pylon/export.h>
 #include <QtCore/QMutex>
 
+class QDebug;
+
 namespace pylon {
 
 /// A wall-clock moment as whole seconds and microseconds since 1970-01-01 00:00:00 UTC.
 struct PYLON_EXPORT ptimeval {
     long long tv_sec = 0;  ///< Whole seconds since the epoch.
     int tv_usec = 0;       ///< Microseconds within that second, 0..999999.
+
+    friend constexpr bool operator==(const ptimeval&, const ptimeval&) = default;
+    /// Writes `ptimeval(1794726000.000005)`.
+    friend PYLON_EXPORT QDebug operator<<(QDebug debug, const ptimeval& moment);
 };
 
 /// Wall-clock moment that stamps log records; cheap to take and to render.
@@ -55,6 +61,12 @@ public:
     ///         when the text is longer than @p size (its first @p size characters are written) or
     ///         the moment has no local time (nothing is written).
     int toDefaultString(char* buffer, int size) const;
+
+    /// Whether both are the same microsecond.
+    friend bool operator==(const Timestamp&, const Timestamp&) = default;
+    /// Writes `Timestamp(08:00:00.000005)`, local time without the day; nothing in the brackets for
+    /// a stamp that is not set.
+    friend PYLON_EXPORT QDebug operator<<(QDebug debug, const Timestamp& stamp);
 
     /// Size of the rendering cache in characters.
     static const int FMTBUF_SIZE = 64;

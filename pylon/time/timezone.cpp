@@ -2,6 +2,9 @@
 
 #include <pylon/time/timezones.h>
 
+#include <QtCore/QHashFunctions>
+
+#include <functional>
 #include <utility>
 
 namespace pylon {
@@ -68,6 +71,11 @@ bool TimeZone::setName(const std::string& abbrevation, const std::string& fullNa
     offset_ = offset;
     name_ = abbrevation;
     return true;
+}
+
+std::size_t qHash(const TimeZone& zone, std::size_t seed) noexcept {
+    return qHashMulti(seed, zone.offset_, zone.abbrevation_, std::hash<std::string>()(zone.name_),
+                      zone.serverTimeZone_);
 }
 
 }  // namespace pylon

@@ -4,7 +4,10 @@
 #include <pylon/time/timezoneabbrevation.h>
 
 #include <concepts>
+#include <cstddef>
 #include <string>
+
+class QDebug;
 
 namespace pylon {
 
@@ -91,6 +94,10 @@ public:
 
     /// Member by member.
     friend bool operator==(const TimeZone&, const TimeZone&) = default;
+    friend PYLON_EXPORT std::size_t qHash(const TimeZone& zone, std::size_t seed) noexcept;
+    /// Writes `TimeZone(+5:30 "IST" "")`: offset, name and abbreviation; "unknown" for an offset
+    /// that is not valid, "server" in front for the server's time zone.
+    friend PYLON_EXPORT QDebug operator<<(QDebug debug, const TimeZone& zone);
 
 private:
     static constexpr int maxOffset = 95;

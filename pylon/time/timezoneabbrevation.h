@@ -3,7 +3,10 @@
 #include <pylon/export.h>
 
 #include <concepts>
+#include <cstddef>
 #include <string>
+
+class QDebug;
 
 namespace pylon {
 
@@ -63,6 +66,12 @@ public:
 
     /// Whether both hold the same index.
     friend constexpr bool operator==(TimeZoneAbbrevation, TimeZoneAbbrevation) noexcept = default;
+    friend constexpr std::size_t qHash(TimeZoneAbbrevation abbrevation,
+                                       std::size_t seed = 0) noexcept {
+        return seed ^ abbrevation.index_;
+    }
+    /// Writes `TimeZoneAbbrevation("CET", 21)`.
+    friend PYLON_EXPORT QDebug operator<<(QDebug debug, TimeZoneAbbrevation abbrevation);
 
 private:
     static constexpr unsigned char validIndex(long long index) noexcept {
