@@ -40,7 +40,7 @@ QAction* PictureView::addMenuAction(const QString& text, void (PictureView::*slo
 void PictureView::setPicture(const QImage& picture) {
     picture_ = picture;
     updateSizes();
-    updateView();
+    update();
 }
 
 void PictureView::setKeepAspect(bool on) {
