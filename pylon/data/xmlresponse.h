@@ -138,9 +138,9 @@ public:
     /// @}
 
     /// @name Attribute
-    /// The value of the attribute called exactly @p attribute, with the prefix of its namespace if
-    /// it has one. Null if there is no element or no such attribute, empty but not null if it has
-    /// no value.
+    /// The value of the attribute whose local name is exactly @p attribute; the last one if there
+    /// are several with different prefixes. Null if there is no element or no such attribute, empty
+    /// but not null if it has no value.
     /// @{
     QString getAttribute(const QString& attribute, const XmlResponseNode& from,
                          const QString& path) const;
