@@ -18,9 +18,10 @@ namespace pylon {
 /// The class has no data. Thread-safety: all functions may be called at once.
 class PYLON_EXPORT CompareIpAddresses {
 public:
+    /// What a text is, as LyraUrl reads it.
     enum IpAddressType : int {
-        IPv4Address = 0,
-        IPv6Address = 1,
+        IPv4Address = 0,  ///< A literal IPv4 address, with or without a port.
+        IPv6Address = 1,  ///< A literal IPv6 address, with or without brackets and port.
         OtherAddress = 2  ///< A host name, a local file, or nothing that is an address.
     };
 
@@ -28,6 +29,7 @@ public:
     /// holds none.
     static std::pair<QString, QString> getHostAndPort(const QString& address, int defaultPort);
 
+    /// The kind of @p address.
     static IpAddressType ipAddressType(const QString& address);
 
     /// Whether @p a stands before @p b.

@@ -23,20 +23,24 @@ PYLON_EXPORT QString lowestVersion(const QList<QString>& versions);
 /// @name Order of versions
 /// By major, minor and patch number, the first most significant.
 /// @{
+
+/// Whether @p a comes before @p b: major and minor number.
 inline bool versionLessThan(const std::tuple<unsigned long long, unsigned long long>& a,
                             const std::tuple<unsigned long long, unsigned long long>& b) {
     return a < b;
 }
+/// Whether @p a comes before @p b: major, minor and patch number.
 inline bool versionLessThan(
     const std::tuple<unsigned long long, unsigned long long, unsigned long long>& a,
     const std::tuple<unsigned long long, unsigned long long, unsigned long long>& b) {
     return a < b;
 }
-/// Less than or equal, like its three-part overload.
+/// Whether @p a comes before @p b or is equal to it: major and minor number.
 inline bool versionLessThanEqual(const std::tuple<unsigned long long, unsigned long long>& a,
                                  const std::tuple<unsigned long long, unsigned long long>& b) {
     return a <= b;
 }
+/// Whether @p a comes before @p b or is equal to it: major, minor and patch number.
 inline bool versionLessThanEqual(
     const std::tuple<unsigned long long, unsigned long long, unsigned long long>& a,
     const std::tuple<unsigned long long, unsigned long long, unsigned long long>& b) {

@@ -15,10 +15,10 @@ namespace pylon {
 /// -1 at its left to 1 at its right edge, y from -1 at its bottom to 1 at its top. By default the
 /// whole viewport. A plain value.
 struct NDCRect {
-    double left = -1;
-    double top = 1;
-    double right = 1;
-    double bottom = -1;
+    double left = -1;    ///< x of the left edge.
+    double top = 1;      ///< y of the upper edge.
+    double right = 1;    ///< x of the right edge.
+    double bottom = -1;  ///< y of the lower edge.
 
     friend constexpr bool operator==(const NDCRect&, const NDCRect&) = default;
 };
@@ -62,7 +62,9 @@ public:
     DisplayGeometry();
     DisplayGeometry(const DisplayGeometry&) = delete;
     DisplayGeometry& operator=(const DisplayGeometry&) = delete;
+    /// Takes the state of @p other.
     DisplayGeometry(DisplayGeometry&& other) noexcept;
+    /// Takes the state of @p other.
     DisplayGeometry& operator=(DisplayGeometry&& other) noexcept;
     virtual ~DisplayGeometry();
 
@@ -75,6 +77,7 @@ public:
     /// Whether the picture keeps its proportions or is stretched over the container. Puts the
     /// rectangle back to the unzoomed one, also when nothing changes.
     void setPreserveAspectRatio(bool on);
+    /// Whether the picture keeps its proportions.
     bool preserveAspectRatio() const;
 
     /// Multiplies the zoom factor, which does not get below 1, and makes the rectangle that many
