@@ -18,8 +18,8 @@ plog::LogClient<plog::Playback> client;
 
 constexpr int gridWidth = MotionUtils::maskWidth;
 constexpr int gridHeight = MotionUtils::maskHeight;
-// No mask needs as many characters as it has cells.
-constexpr qint64 maxTextSize = gridWidth * gridHeight;
+// The width and a character for each cell.
+constexpr qint64 maxTextSize = 1 + qint64{gridWidth} * gridHeight;
 constexpr int fillAlpha = 100;
 constexpr qreal outlineWidth = 1.5;
 
