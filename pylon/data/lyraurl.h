@@ -57,6 +57,7 @@ public:
 
     /// Same host, letter by letter, and same port.
     friend bool operator==(const LyraUrl&, const LyraUrl&) = default;
+    /// For hash containers; equal values have equal hashes.
     friend PYLON_EXPORT size_t qHash(const LyraUrl& url, size_t seed) noexcept;
     /// LyraUrl(host:port), the text of hostAndPort().
     friend PYLON_EXPORT QDebug operator<<(QDebug debug, const LyraUrl& url);

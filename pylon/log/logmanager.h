@@ -44,6 +44,7 @@ public:
     /// A copy is a manager of its own that shares the original's filter and its devices. Nobody
     /// logs to it.
     LogManager(const LogManager& other) = default;
+    /// Shares filter and devices of @p other from now on.
     LogManager& operator=(const LogManager& other);
 
     /// @name Levels

@@ -94,6 +94,7 @@ public:
 
     /// Member by member.
     friend bool operator==(const TimeZone&, const TimeZone&) = default;
+    /// For hash containers; equal values have equal hashes.
     friend PYLON_EXPORT std::size_t qHash(const TimeZone& zone, std::size_t seed) noexcept;
     /// Writes `TimeZone(+5:30 "IST" "")`: offset, name and abbreviation; "unknown" for an offset
     /// that is not valid, "server" in front for the server's time zone.

@@ -66,6 +66,7 @@ public:
 
     /// Whether both hold the same index.
     friend constexpr bool operator==(TimeZoneAbbrevation, TimeZoneAbbrevation) noexcept = default;
+    /// For hash containers; equal values have equal hashes.
     friend constexpr std::size_t qHash(TimeZoneAbbrevation abbrevation,
                                        std::size_t seed = 0) noexcept {
         return seed ^ abbrevation.index_;
