@@ -75,6 +75,12 @@ Other:
   -h, --help         show this text and exit
   --version          show the version and exit
 
+Examples:
+  pylon-inspect --camera 4 --zone CET gate.frames     one camera, in Central European time
+  pylon-inspect --json gate.frames | jq .cameraName   frames for another program
+  pylon-inspect --summary --resync damaged.frames     what is left of a damaged recording
+  pylon-inspect --extract out --type a gate.frames    the sound of every camera
+
 Marks in the table: "hidden", "dewarped", "encrypted", "new-key" (the sender asks for
 a new key), "audio:N" (sound belonging to the picture comes from camera N), and
 "marks:" with the marks of a frame if there are others than the one for hidden.
