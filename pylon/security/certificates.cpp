@@ -6,6 +6,7 @@
 #include <openssl/x509_vfy.h>
 
 #include <cstdio>
+#include <limits>
 
 namespace pylon::CryptoTools {
 
@@ -27,9 +28,10 @@ int printOnStandardError(const char* text, std::size_t length, void*) {
     return std::fwrite(text, 1, length, stderr) == length ? 1 : 0;
 }
 
-X509Handle x509_from_memory(const char* pem) {
+/// @param length of @p pem, or -1 if it ends with a 0 byte.
+X509Handle x509_from_memory(const void* pem, int length = -1) {
     parseLog.entered();
-    const BioHandle bio(BIO_new_mem_buf(pem, -1));
+    const BioHandle bio(BIO_new_mem_buf(pem, length));
     if (!bio) {
         parseLog(plog::Debug, "Error: BIO_new_mem_buf()");
         return nullptr;
@@ -75,7 +77,7 @@ StoreHandle newStore() {
 
 RSA* RSAPublicKeyFromX509(const unsigned char* pem) {
     const ErrorQueueScope errors;
-    const X509Handle certificate = x509_from_memory(reinterpret_cast<const char*>(pem));
+    const X509Handle certificate = x509_from_memory(pem);
     return RSAPublicKeyFromX509i(certificate.get());
 }
 
@@ -98,9 +100,16 @@ X509* loadX509Certificate(unsigned char* data, unsigned int, Format format, Cryp
     const ErrorQueueScope errors;
     loadLog.entered();
     if (format == PEM)
-        return x509_from_memory(reinterpret_cast<const char*>(data)).release();
+        return x509_from_memory(data).release();
     loadLog(plog::Debug, "Warning X509 from DER not implemented");
     return nullptr;
+}
+
+X509* tryLoadX509Certificate(std::span<const unsigned char> pem) {
+    const ErrorQueueScope errors;
+    if (pem.empty() || pem.size() > std::numeric_limits<int>::max())
+        return nullptr;
+    return x509_from_memory(pem.data(), static_cast<int>(pem.size())).release();
 }
 
 bool checkX509Certificate(const char* serverPem, const char* caPem, CryptoError* error) {

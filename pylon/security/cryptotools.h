@@ -6,6 +6,7 @@
 #include <QtCore/QString>
 
 #include <optional>
+#include <span>
 
 // OpenSSL's own names for what its functions take, so that nobody who includes this file has to
 // read OpenSSL's headers.
@@ -71,8 +72,9 @@ PYLON_EXPORT RSA* RSAPublicKeyFromX509i(X509* certificate);
 /// @}
 
 /// @name Certificates
-/// Certificates come as PEM texts that end with a 0 byte; the first one in the text counts. What
-/// OpenSSL has against a text that does not parse is printed on standard error.
+/// Certificates come as PEM texts that, but for one function, end with a 0 byte; the first one in
+/// the text counts. What OpenSSL has against a text that does not parse is printed on standard
+/// error.
 /// @{
 
 /// Parses a certificate.
@@ -83,6 +85,9 @@ PYLON_EXPORT RSA* RSAPublicKeyFromX509i(X509* certificate);
 /// @return the certificate, owned by the caller, or null.
 PYLON_EXPORT X509* loadX509Certificate(unsigned char* data, unsigned int length, Format format,
                                        CryptoError* error);
+
+/// loadX509Certificate() for a PEM text from outside, which ends with its last byte.
+[[nodiscard]] PYLON_EXPORT X509* tryLoadX509Certificate(std::span<const unsigned char> pem);
 
 /// Whether the server's certificate is valid now and was signed by the given certificate authority,
 /// without others between them. Host names are not looked at.
