@@ -1,0 +1,41 @@
+// Certificates: the input as a PEM text, and as what a PEM text wraps.
+
+#include "fuzz.h"
+
+#include <openssl/err.h>
+#include <openssl/rsa.h>
+#include <openssl/x509.h>
+#include <pylon/security/cryptotools.h>
+
+using namespace pylon::CryptoTools;
+
+namespace {
+
+// What the library prints there would bury the fuzzer's own report.
+[[maybe_unused]] const bool isQuiet = (stderr = std::fopen("/dev/null", "w")) != nullptr;
+
+void check(QByteArray pem) {
+    auto* const text = reinterpret_cast<unsigned char*>(pem.data());
+    X509* const x509 = tryLoadX509Certificate({text, qstrlen(pem)});
+    RSA* const key = RSAPublicKeyFromX509(text);
+    CryptoError error;
+    const bool isAccepted = checkX509Certificate(pem, pem, &error);
+    FUZZ_CHECK(!isAccepted || (checkX509Certificate(pem, nullptr) && !error.hasError()));
+    FUZZ_CHECK(x509CertificateIsSelfSigned(pem).has_value() == (x509 != nullptr));
+    FUZZ_CHECK(x509 || (!key && !isAccepted));
+    FUZZ_CHECK(ERR_peek_error() == 0);
+    RSA_free(key);
+    X509_free(x509);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const QByteArray bytes = bytesOf(data, size);
+    check(QByteArray(bytes.constData(), bytes.size()));
+    QByteArray lines = bytes.toBase64();
+    for (qsizetype at = 64; at < lines.size(); at += 65)
+        lines.insert(at, '\n');
+    check("-----BEGIN CERTIFICATE-----\n" + lines + "\n-----END CERTIFICATE-----\n");
+    return 0;
+}
