@@ -1,9 +1,12 @@
 #pragma once
 
 #include <QtCore/QByteArray>
+#include <QtCore/QByteArrayList>
 #include <QtCore/QFile>
 #include <QtCore/QProcess>
 #include <QtCore/QStringList>
+
+#include <algorithm>
 
 struct Run {
     int status = -1;
@@ -25,4 +28,26 @@ inline Run inspect(const QStringList& arguments, const QByteArray& input = {}) {
 inline QByteArray readAll(const QString& name) {
     QFile file(name);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+inline bool writeAll(const QString& name, const QByteArray& content) {
+    QFile file(name);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+// The first of the texts that the output does not have: "=text" is all of it, "!text" must not be
+// in it, "3*text" must be three times, any other at least once. Nothing if the output is as wanted.
+inline QByteArray missingIn(const QByteArray& output, const QByteArrayList& texts) {
+    for (const QByteArray& text : texts) {
+        bool isCounted = false;
+        const qsizetype star = std::max<qsizetype>(text.indexOf('*'), 0);
+        const qsizetype count = text.first(star).toLongLong(&isCounted);
+        const bool fits = text.startsWith('=')   ? output == text.sliced(1)
+                          : text.startsWith('!') ? !output.contains(text.sliced(1))
+                          : isCounted            ? output.count(text.sliced(star + 1)) == count
+                                                 : output.contains(text);
+        if (!fits)
+            return "wanted: " + text + "\nfound: " + output;
+    }
+    return {};
 }

@@ -1,51 +1,56 @@
 #include <pylon/media/audioutils.h>
-#include <pylon/media/byteconversion.h>
-#include <pylon/media/framereader.h>
 #include <QtCore/QDir>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
-
-#include <span>
 
 #include "inspectrun.h"
 #include "wireframe.h"
 
 namespace {
 
-constexpr quint64 start = 538417800000;  // 1/300 s
+using B = QByteArray;
+using Files = QMap<QString, QByteArray>;
 
-// An audio frame that begins `ticks` after the start, every byte of its payload being `value`.
-QByteArray sound(quint64 ticks, quint8 subType, int size, char value) {
-    const QByteArray frame = WireFrame{.track = 2,
-                                       .time = start + ticks,
-                                       .typeByte = 'a' & 0x3F,
-                                       .flags = subType,
-                                       .payload = size};
-    return frame.chopped(size) + QByteArray(size, value);
+const QString sample = QStringLiteral(SAMPLE_RECORDING);
+constexpr quint64 start = 538417800000;  // 1/300 s
+constexpr quint8 audio = 'a' & 0x3F;
+constexpr quint8 encrypted = 0x80;
+
+B withPayload(WireFrame frame, const B& payload) {
+    frame.payload = static_cast<int>(payload.size());
+    return B(frame).chopped(payload.size()) + payload;
 }
 
-// The samples of a WAV file as runs of equal ones: "a800 -240" for 800 samples with bytes "aa" and
-// 240 of silence, behind its rate in Hz; what is wrong with the header otherwise.
-QByteArray described(const QByteArray& wave) {
-    const auto bytes = std::as_bytes(std::span(wave.constData(), size_t(wave.size())));
-    const auto number = [&](size_t at) { return pylon::byteSpanToUint32(bytes.subspan(at)); };
-    if (wave.size() < 44 || wave.first(4) != "RIFF" || wave.sliced(8, 8) != "WAVEfmt " ||
-        wave.sliced(36, 4) != "data")
-        return "no WAV file";
-    if (number(4) != wave.size() - 8 || number(40) != wave.size() - 44)
-        return "wrong sizes";
-    if (number(16) != 16 || number(20) != 0x10001 || number(28) != 2 * number(24) ||
-        number(32) != 0x100002)
-        return "wrong format";
-    QByteArray text = QByteArray::number(number(24));
-    for (qsizetype at = 44; at < wave.size();) {
-        const qsizetype first = at;
-        while (at < wave.size() && wave[at] == wave[first])
+// An audio frame that begins `ticks` after the start, every byte of its payload being `value`.
+B sound(quint64 ticks, quint8 subType, int size, char value) {
+    return withPayload({.track = 2, .time = start + ticks, .typeByte = audio, .flags = subType},
+                       B(size, value));
+}
+
+// Samples as runs of equal ones behind their rate: "8000 a800 -240" for 800 with bytes "aa" and 240
+// of silence.
+B described(quint32 rate, const B& samples) {
+    B text = B::number(rate);
+    for (qsizetype at = 0; at < samples.size();) {
+        const char first = samples[at];
+        const qsizetype before = at;
+        while (at < samples.size() && samples[at] == first)
             ++at;
-        text += QByteArray(" ") + (wave[first] == 0 ? '-' : wave[first]) +
-                QByteArray::number((at - first) / 2);
+        text += B(" ") + (first == 0 ? '-' : first) + B::number((at - before) / 2);
     }
     return text;
+}
+
+QString nameOf(qint64 offset, quint32 camera, const char* suffix) {
+    return QString("%1-camera%2.%3").arg(offset, 12, 10, QChar('0')).arg(camera).arg(suffix);
+}
+
+// The rows of a PNG picture of 8 bits grey, each with the number of its filter before it.
+B rowsOf(const B& png) {
+    const qsizetype data = png.indexOf("IDAT") + 4;
+    return qUncompress(B(4, '\0') + png.sliced(data, png.size() - data - 16));
 }
 
 }  // namespace
@@ -54,226 +59,235 @@ class TestExtract : public QObject {
     Q_OBJECT
 
 private slots:
-    void sample();
-    void placesSound_data();
-    void placesSound();
-    void boundsSilence();
-    void kinds();
-    void leavesFilesAlone();
-    void severalInputs();
-    void failures();
+    void initTestCase() { qputenv("HOME", QFile::encodeName(dir_.path())); }
+
+    void extractsSample() {
+        const Run run = inspect({"--summary", "--extract", pathOf("new/sample"), sample});
+        QCOMPARE(run.status, 0);
+        QCOMPARE(run.err, B());
+        const B recording = readAll(sample);
+        Files expected, tracks;
+        for (const B& line : readAll(SAMPLE_AS_JSON).trimmed().split('\n')) {
+            const QJsonObject truth = QJsonDocument::fromJson(line).object();
+            const int offset = truth["offset"].toInt(), camera = truth["camera"].toInt();
+            const pylon::Image image(recording.mid(offset, truth["size"].toInt()));
+            if (truth["type"] == "a")
+                tracks[QString("camera%1-track%2.wav").arg(camera).arg(truth["track"].toInt())] +=
+                    pylon::AudioUtils::decode(image).payload();
+            else
+                expected[nameOf(offset, camera,
+                                camera == 4     ? "bin"
+                                : camera == 255 ? "xml"
+                                                : "jpg")] = image.payload();
+        }
+        QCOMPARE(expected.size(), 56 + 6 + 4);
+        QCOMPARE(tracks["camera1-track2.wav"].size(), 2 * 80000);
+        for (const QString& track : tracks.keys())  // hosts of today are little-endian
+            expected[track] = described(8000, tracks[track]);
+        QCOMPARE(filesIn("new/sample"), expected);
+    }
+
+    // A tick is 1/300 s; 75 of them are 2000 samples at 8 kHz.
+    void extracts_data() {
+        QTest::addColumn<B>("bytes");
+        QTest::addColumn<Files>("expected");
+        const auto row = [](const char* name, const B& bytes, const char* expected) {
+            QTest::newRow(name) << bytes << Files{{"camera1-track2.wav", expected}};
+        };
+        const auto a = [](quint64 ticks) { return sound(ticks, 2, 4000, 'a'); };
+        const auto b = [](quint64 ticks) { return sound(ticks, 2, 4000, 'b'); };
+        const auto c = [](quint64 ticks) { return sound(ticks, 2, 4000, 'c'); };
+        row("jitter", a(0) + b(84) + c(141) + a(225), "8000 a2000 b2000 c2000 a2000");
+        row("more than jitter", a(0) + b(85), "8000 a2000 -266 b2000");
+        row("drift adds up", a(0) + b(80) + c(160), "8000 a2000 b2000 -266 c2000");
+        row("overlap", a(0) + b(60) + c(135), "8000 a2000 b1600 c2000");
+        row("sent twice", a(0) + b(75) + a(0) + b(75) + c(150), "8000 a2000 b2000 c2000");
+        row("far back", a(6000) + b(0) + c(75), "8000 a2000 b2000 c2000");
+        row("longest gap", a(0) + b(75 + 18000), "8000 a2000 -480000 b2000");
+        row("gap too long", a(0) + b(30000) + c(30150), "8000 a2000 -480000 b2000 -2000 c2000");
+        row("last time", a(0) + sound((quint64{1} << 48) - 1 - start, 2, 4000, 'b'),
+            "8000 a2000 -480000 b2000");
+        row("16 kHz", sound(0, 1, 8000, 'a') + sound(150, 1, 8000, 'b'), "16000 a4000 -4000 b4000");
+        row("raised to 16 kHz", sound(0, 1, 8000, 'a') + b(75), "16000 a4000 b4000");
+        row("lowered to 8 kHz", a(0) + sound(75, 1, 8000, 'b') + c(150), "8000 a2000 b2000 c2000");
+        row("half a sample", a(0) + sound(75, 2, 3, 'b') + sound(75, 2, 1, 'c'), "8000 a2000 b1");
+        row("half a sample to raise", sound(0, 1, 2, 'a') + sound(0, 2, 1, 'b'), "16000 a1");
+        row("no sample", sound(0, 2, 1, 'a'), "8000");
+        row("A-law", sound(0, 4, 1, '\x55'),
+            "8000 \xf8"
+            "0 \xff"
+            "0");
+        row("mu-law silence", sound(0, 3, 300, '\xff'), "8000 -300");
+
+        const auto kind = [](const char* suffix, const B& payload, quint8 typeByte = 'V' & 0x3F,
+                             quint8 flags = 0) {
+            const B block = extensionBlock("../s", "../../c");
+            QTest::newRow(payload.toPercentEncoding())
+                << withPayload({9, 1, start, 21, 4, typeByte, flags, 5, block}, payload)
+                << Files{{nameOf(0, 9, suffix), payload}};
+        };
+        QTest::newRow("no payload") << B(WireFrame{}) << Files();
+        kind("jpg", "\xff\xd8");
+        kind("bin", "\xff");
+        kind("xml", "<a/>");
+        kind("xml", "\xef\xbb\xbf \r\n\t<a/>");
+        kind("bin", "a<");
+        kind("bin", "\xff\xd8 encrypted", encrypted | ('V' & 0x3F));
+        kind("bin", "<encrypted/>", encrypted | ('V' & 0x3F));
+        kind("bin", "encrypted sound", encrypted | audio, 2);
+        kind("bin", "unknown sound", audio, 0);
+        kind("bin", "G.726", audio, 5);
+        kind("bin", "sound without name", audio, 6);
+    }
+
+    void extracts() {
+        QFETCH(const B, bytes);
+        const QString folder = QTest::currentDataTag();
+        const Run run = extract(bytes, folder);
+        QCOMPARE(run.err, B());
+        QCOMPARE(run.status, 0);
+        QTEST(filesIn(folder), "expected");
+    }
+
+    void limits() {
+        // Frames of two bytes that jump ahead a minute each.
+        B bytes;
+        for (quint64 minute = 0; minute < 200; ++minute)
+            bytes += sound(18000 * minute, 2, 2, 'a');
+        QCOMPARE(extract(bytes, "jumps").status, 0);
+        QCOMPARE(QFileInfo(pathOf("jumps/camera1-track2.wav")).size(), 44 + 100'000'000 + 2 * 200);
+        // Sound of more tracks than are decoded.
+        bytes.clear();
+        for (quint16 track = 0; track < 66; ++track)
+            bytes += WireFrame{.track = track, .typeByte = audio, .flags = 3, .payload = 10};
+        QCOMPARE(extract(bytes, "tracks").status, 0);
+        const QStringList names = filesIn("tracks").keys();
+        QCOMPARE(names.filter(".wav").size(), 64);
+        QCOMPARE(names.filter(".bin").size(), 2);
+    }
+
+    void leavesFilesAlone() {
+        for (const B& bytes : {withPayload({}, "picture"), sound(0, 1, 2, 'a')}) {
+            QCOMPARE(extract(bytes, "again").status, 0);
+            const Run again = extract(bytes + bytes, "again", {"--verbose"});
+            QCOMPARE(again.status, 1);
+            QVERIFY(again.err.contains("cannot extract to "));
+        }
+        const QString wave = "again/camera1-track2.wav";
+        QCOMPARE(filesIn("again").keys(), QStringList({nameOf(0, 1, "bin"), wave.section('/', 1)}));
+        QCOMPARE(readAll(pathOf(wave)).toHex(),
+                 B("524946462600000057415645666d7420100000000100"
+                   "0100803e0000007d00000200100064617461020000006161"));
+        const Run run = extract(withPayload({}, "x") + withPayload({}, "y"), wave);
+        QCOMPARE(run.status, 1);
+        QCOMPARE(missingIn(run.err, {"pylon-inspect: standard input: cannot extract to ",
+                                     "the folder cannot be made\n", "1*\n"}),
+                 B());
+    }
+
+    // Only selected frames are extracted, and damage keeps none of the others from it.
+    void severalInputs() {
+        const B frames = withPayload({}, "picture") + withPayload({.camera = 2}, "other") +
+                         sound(0, 3, 4, '\xff');
+        QVERIFY(writeAll(pathOf("input.frames"), frames));
+        const Run run = extract(frames + "junk" + frames, "several",
+                                {pathOf("input.frames"), "--camera", "1", "--resync"});
+        QCOMPARE(run.status, 1);
+        QCOMPARE(filesIn("several"),
+                 (Files{{"input1-" + nameOf(0, 1, "bin"), "picture"},
+                        {"input1-" + nameOf(frames.size() + 4, 1, "bin"), "picture"},
+                        {"input1-camera1-track2.wav", "8000 -8"},
+                        {"input2-" + nameOf(0, 1, "bin"), "picture"},
+                        {"input2-camera1-track2.wav", "8000 -4"}}));
+    }
+
+    // What was dumped is, taken together, the recording.
+    void dumpsSample() {
+        const QString folder = pylon::Image::dumpFolder(pylon::Image());
+        const Run run = inspect({"--dump", sample});
+        B content;
+        QStringList files;
+        for (const B& line : run.out.split('\n')) {
+            if (!line.startsWith("    dumped filename size="))
+                continue;
+            const QString name = line.sliced(line.lastIndexOf("  ") + 2);
+            files.prepend(folder + (name.contains("-255-255-0-") ? "event/" : "") + name);
+            content += readAll(files.front());
+        }
+        QVERIFY(run.status == 0 && run.out.startsWith("OFFSET  TIME"));
+        QVERIFY(content == readAll(sample));
+        QVERIFY(run.out.endsWith("\n154 dumped to " + QDir::toNativeSeparators(folder).toUtf8() +
+                                 '\n'));
+        QVERIFY(files.back().contains("/img-1_1_0-538417800000_4_CET-V-i-65537-"));
+        QVERIFY(files.front().contains("/img-1_154_820208-538417802928_4_CET-a-i-131074-"));
+        const B json = inspect({"--json", "--dump", sample}).out;  // again, without a word about it
+        QCOMPARE(json, readAll(SAMPLE_AS_JSON));
+        QCOMPARE(inspect({"--json", folder}).out, json);
+        QCOMPARE(inspect(QStringList("--json") + files).out, json);
+
+        // A damaged one keeps none of the others from being shown.
+        QVERIFY(writeAll(files[5], readAll(files[5]).chopped(1)));
+        const Run damaged = inspect({"--json", folder});
+        QCOMPARE(damaged.status, 1);
+        QCOMPARE(damaged.out.count('\n'), 153);
+        QVERIFY(damaged.err.endsWith("bin: frame at byte 0: needs 2035 bytes, 2034 are left\n"));
+        for (const QString& file : files)
+            QVERIFY(QFile::remove(file));
+    }
+
+    void dumpFails() {
+        const B input = WireFrame{.extensions = extensionBlock("", "a/\x1b")};
+        const Run run = inspect({"--dump", "-"}, input);
+        QCOMPARE(run.status, 1);
+        const B wrong =
+            missingIn(run.out,
+                      {"\nnot dumped filename size=", "a/\\x1b.bin\n", "!\x1b", "\n0 dumped to "}) +
+            missingIn(run.err, {"input: 1 not dumped, the first as ",
+                                "\\x1b.bin: the camera's name leads to another folder\n"});
+        QVERIFY2(wrong.isEmpty(), wrong);
+    }
+
+    void pictures() {
+        const QString path = pathOf("map.png");
+        QCOMPARE(inspect({"--diffmap", "-", "--png", path}, "\x02\x01\x10\xff").status, 0);
+        const B png = readAll(path);
+        QVERIFY(
+            png.startsWith(B::fromHex("89504e470d0a1a0a 0000000d 49484452 00000010 00000008 "
+                                      "0800000000 d51d204b")));
+        QVERIFY(png.endsWith(B::fromHex("0000000049454e44ae426082")));
+        QCOMPARE(rowsOf(png), ('\0' + B(8, '\x10') + B(8, '\xff')).repeated(8));
+        const Run again = inspect({"--diffmap", "-", "--png", path}, "\x01\x01\x01");
+        QVERIFY(again.status == 1 && again.err.contains("map.png: cannot write: "));
+        QCOMPARE(readAll(path), png);
+        QCOMPARE(inspect({"--diffmap", "-", "--png", pathOf("no.png")}, "\x80\xc1").status, 1);
+        QCOMPARE(inspect({"--mask", "-", "--png", pathOf("mask.png")}, "1").status, 0);
+        QCOMPARE(rowsOf(readAll(pathOf("mask.png"))), ('\0' + B(960, '\xff')).repeated(720));
+    }
 
 private:
-    Run extract(const QByteArray& bytes, const QString& folder, const QStringList& more = {}) {
-        return inspect(QStringList{"--json", "--extract", dir_.filePath(folder), "-"} + more,
-                       bytes);
+    QString pathOf(const QString& name) { return dir_.filePath(name); }
+    Run extract(const B& bytes, const QString& folder, const QStringList& more = {}) {
+        return inspect(QStringList{"--json", "--extract", pathOf(folder), "-"} + more, bytes);
     }
-    QByteArray content(const QString& name) { return readAll(dir_.filePath(name)); }
-    QStringList namesIn(const QString& folder) {
-        return QDir(dir_.filePath(folder)).entryList(QDir::Files, QDir::Name);
+    // The files of a folder; sound is described.
+    Files filesIn(const QString& folder) {
+        Files files;
+        for (const QFileInfo& file : QDir(pathOf(folder)).entryInfoList(QDir::Files)) {
+            B& content = files[file.fileName()] = readAll(file.filePath());
+            if (file.suffix() != "wav")
+                continue;
+            const auto number = [&](int at) {
+                return qFromLittleEndian<quint32>(content.constData() + at);
+            };
+            content = number(4) == file.size() - 8 && number(40) == file.size() - 44
+                          ? described(number(24), content.sliced(44))
+                          : "wrong sizes";
+        }
+        return files;
     }
 
     QTemporaryDir dir_;
-    const QString sample_ = QStringLiteral(SAMPLE_RECORDING);
 };
-
-void TestExtract::sample() {
-    const QString folder = dir_.filePath(QStringLiteral("new/sample"));
-    const Run run = inspect({"--summary", "--extract", folder, sample_});
-    QCOMPARE(run.status, 0);
-    QCOMPARE(run.err, QByteArray());
-
-    QFile file(sample_);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    pylon::FrameReader reader(file);
-    QMap<QString, int> kinds;
-    QMap<quint32, QByteArray> samples;
-    for (pylon::FrameReader::Status status;
-         (status = reader.next()) != pylon::FrameReader::Status::End;) {
-        if (status != pylon::FrameReader::Status::Frame) {
-            if (!reader.fill())
-                reader.finish();
-            continue;
-        }
-        const pylon::Image image = reader.image();
-        if (image.type() == 'a') {
-            samples[image.channel()] += pylon::AudioUtils::decode(image).payload();
-            continue;
-        }
-        const bool isEvent = image.cameraId() == 255;
-        const QString suffix = image.isEncrypted() ? "bin" : isEvent ? "xml" : "jpg";
-        const QByteArray written = content(QStringLiteral("new/sample/%1-camera%2.%3")
-                                               .arg(reader.offset(), 12, 10, QLatin1Char('0'))
-                                               .arg(image.cameraId())
-                                               .arg(suffix));
-        QCOMPARE(written, image.payload());
-        QCOMPARE(written.startsWith("\xff\xd8"), suffix == "jpg");
-        ++kinds[suffix];
-    }
-    QCOMPARE(kinds, (QMap<QString, int>{{"bin", 4}, {"jpg", 56}, {"xml", 6}}));
-    QCOMPARE(samples.size(), 3);
-    QCOMPARE(namesIn(QStringLiteral("new/sample")).size(), 4 + 56 + 6 + 3);
-    for (auto track = samples.cbegin(); track != samples.cend(); ++track) {
-        const QByteArray wave = content(QStringLiteral("new/sample/camera%1-track%2.wav")
-                                            .arg(track.key() & 0xFFFF)
-                                            .arg(track.key() >> 16));
-        QVERIFY(described(wave).startsWith("8000 "));
-        QVERIFY(wave.sliced(44) == track.value());  // all hosts of today are little-endian
-    }
-    QCOMPARE(samples[0x20001].size(), 2 * 80000);
-}
-
-// A tick is 1/300 s; 75 of them are 2000 samples at 8 kHz.
-void TestExtract::placesSound_data() {
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QByteArray>("expected");
-    using B = QByteArray;
-    const auto a = [](quint64 ticks) { return sound(ticks, 2, 4000, 'a'); };
-    const auto b = [](quint64 ticks) { return sound(ticks, 2, 4000, 'b'); };
-    const auto c = [](quint64 ticks) { return sound(ticks, 2, 4000, 'c'); };
-    const auto row = [](const char* name, const B& bytes, const char* expected) {
-        QTest::newRow(name) << bytes << B(expected);
-    };
-    row("seamless", a(0) + b(75) + a(150), "8000 a2000 b2000 a2000");
-    row("gap", a(0) + b(150), "8000 a2000 -2000 b2000");
-    row("jitter", a(0) + b(84) + c(141) + a(225), "8000 a2000 b2000 c2000 a2000");
-    row("more than jitter", a(0) + b(85), "8000 a2000 -266 b2000");
-    row("drift adds up", a(0) + b(80) + c(160), "8000 a2000 b2000 -266 c2000");
-    row("overlap", a(0) + b(60) + c(135), "8000 a2000 b1600 c2000");
-    row("sent twice", a(0) + b(75) + a(0) + b(75) + c(150), "8000 a2000 b2000 c2000");
-    row("far back", a(6000) + b(0) + c(75), "8000 a2000 b2000 c2000");
-    row("longest gap", a(0) + b(75 + 18000), "8000 a2000 -480000 b2000");
-    row("gap too long", a(0) + b(30000) + c(30150), "8000 a2000 -480000 b2000 -2000 c2000");
-    row("last time", a(0) + sound(0xFFFFFFFFFFFF - start, 2, 4000, 'b'),
-        "8000 a2000 -480000 b2000");
-    row("16 kHz", sound(0, 1, 8000, 'a') + sound(150, 1, 8000, 'b'), "16000 a4000 -4000 b4000");
-    row("raised to 16 kHz", sound(0, 1, 8000, 'a') + b(75), "16000 a4000 b4000");
-    row("lowered to 8 kHz", a(0) + sound(75, 1, 8000, 'b') + c(150), "8000 a2000 b2000 c2000");
-    row("half a sample", a(0) + sound(75, 2, 3, 'b') + sound(75, 2, 1, 'c'), "8000 a2000 b1");
-    row("half a sample to raise", sound(0, 1, 2, 'a') + sound(0, 2, 1, 'b'), "16000 a1");
-    row("no sample", sound(0, 2, 1, 'a'), "8000");
-    row("A-law", sound(0, 4, 3, '\x55'),
-        "8000 \xf8"
-        "0 \xff"
-        "0 \xf8"
-        "0 \xff"
-        "0 \xf8"
-        "0 \xff"
-        "0");
-    row("mu-law silence", sound(0, 3, 300, '\xff'), "8000 -300");
-}
-
-void TestExtract::placesSound() {
-    QFETCH(const QByteArray, bytes);
-    QFETCH(const QByteArray, expected);
-    const QString folder = QString::fromLatin1(QTest::currentDataTag());
-    const Run run = extract(bytes, folder);
-    QCOMPARE(run.err, QByteArray());
-    QCOMPARE(run.status, 0);
-    QCOMPARE(described(content(folder + "/camera1-track2.wav")), expected);
-    QCOMPARE(namesIn(folder).size(), 1);
-}
-
-// Frames of two bytes that jump ahead a minute each.
-void TestExtract::boundsSilence() {
-    QByteArray bytes;
-    for (quint64 minute = 0; minute < 200; ++minute)
-        bytes += sound(18000 * minute, 2, 2, 'a');
-    QCOMPARE(extract(bytes, QStringLiteral("jumps")).status, 0);
-    const QFileInfo file(dir_.filePath(QStringLiteral("jumps/camera1-track2.wav")));
-    QCOMPARE(file.size(), 44 + 100'000'000 + 2 * 200);
-}
-
-void TestExtract::kinds() {
-    struct Kind {
-        const char* suffix;  // empty: no file
-        QByteArray payload;
-        quint8 typeByte = 'V' & 0x3F;
-        quint8 flags = 0;
-    };
-    constexpr quint8 audio = 'a' & 0x3F;
-    constexpr quint8 encrypted = 0x80;
-    const Kind table[] = {
-        {"", ""},
-        {"jpg", "\xff\xd8"},
-        {"bin", "\xff"},
-        {"xml", "<a/>"},
-        {"xml", "\xef\xbb\xbf \r\n\t<a/>"},
-        {"bin", "a<"},
-        {"bin", "\xff\xd8 encrypted", encrypted | ('V' & 0x3F)},
-        {"bin", "<encrypted/>", encrypted | ('V' & 0x3F)},
-        {"bin", "encrypted sound", encrypted | audio, 2},
-        {"bin", "unknown sound", audio, 0},
-        {"bin", "G.726", audio, 5},
-        {"bin", "unknown sound", audio, 6},
-    };
-    QByteArray bytes;
-    QMap<QString, QByteArray> expected;
-    for (const Kind& kind : table) {
-        const auto size = static_cast<int>(kind.payload.size());
-        if (size > 0)
-            expected[QStringLiteral("%1-camera9.%2")
-                         .arg(bytes.size(), 12, 10, QLatin1Char('0'))
-                         .arg(kind.suffix)] = kind.payload;
-        const QByteArray frame = WireFrame{.camera = 9,
-                                           .typeByte = kind.typeByte,
-                                           .flags = kind.flags,
-                                           .extensions = extensionBlock("../s", "../../c"),
-                                           .payload = size};
-        bytes += frame.chopped(size) + kind.payload;
-    }
-    QCOMPARE(extract(bytes, QStringLiteral("kinds")).status, 0);
-    QCOMPARE(namesIn(QStringLiteral("kinds")), expected.keys());
-    for (auto file = expected.cbegin(); file != expected.cend(); ++file)
-        QCOMPARE(content("kinds/" + file.key()), file.value());
-
-    // Sound of more tracks than are decoded.
-    QByteArray many;
-    for (quint16 track = 0; track < 66; ++track)
-        many += QByteArray(WireFrame{.track = track, .typeByte = audio, .flags = 3, .payload = 10});
-    QCOMPARE(extract(many, QStringLiteral("tracks")).status, 0);
-    QCOMPARE(namesIn(QStringLiteral("tracks")).filter(QStringLiteral(".wav")).size(), 64);
-    QCOMPARE(namesIn(QStringLiteral("tracks")).filter(QStringLiteral(".bin")).size(), 2);
-}
-
-void TestExtract::leavesFilesAlone() {
-    const QByteArray picture = WireFrame{.payload = 10};
-    for (const QByteArray& bytes : {picture, sound(0, 2, 10, 'a')}) {
-        QCOMPARE(extract(bytes, QStringLiteral("again")).status, 0);
-        const Run again = extract(bytes, QStringLiteral("again"), {"--verbose"});
-        QCOMPARE(again.status, 1);
-        QVERIFY(again.err.contains("cannot extract to "));
-    }
-    QCOMPARE(namesIn(QStringLiteral("again")),
-             QStringList({"000000000000-camera1.bin", "camera1-track2.wav"}));
-    QCOMPARE(described(content(QStringLiteral("again/camera1-track2.wav"))), QByteArray("8000 a5"));
-}
-
-// Only selected frames are extracted, and damage keeps none of the others from it.
-void TestExtract::severalInputs() {
-    const QByteArray frames = QByteArray(WireFrame{.payload = 10}) +
-                              WireFrame{.camera = 2, .payload = 10} + sound(0, 3, 4, '\xff');
-    QFile file(dir_.filePath(QStringLiteral("input.frames")));
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(frames) > 0 && file.flush());
-    const Run run = extract(frames + "junk" + frames, QStringLiteral("several"),
-                            {file.fileName(), "--camera", "1", "--resync"});
-    QCOMPARE(run.status, 1);
-    QCOMPARE(namesIn(QStringLiteral("several")),
-             QStringList({"input1-000000000000-camera1.bin", "input1-000000000088-camera1.bin",
-                          "input1-camera1-track2.wav", "input2-000000000000-camera1.bin",
-                          "input2-camera1-track2.wav"}));
-}
-
-void TestExtract::failures() {
-    QFile file(dir_.filePath(QStringLiteral("file")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    const QByteArray frame = WireFrame{.payload = 10};
-    const Run run = extract(frame + frame, QStringLiteral("file"));
-    QCOMPARE(run.status, 1);
-    QCOMPARE(run.err.count('\n'), 1);
-    QVERIFY(run.err.startsWith("pylon-inspect: standard input: cannot extract to "));
-    QVERIFY(run.err.endsWith("the folder cannot be made\n"));
-}
 
 QTEST_GUILESS_MAIN(TestExtract)
 #include "tst_extract.moc"
