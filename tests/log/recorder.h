@@ -5,21 +5,21 @@
 
 #include <functional>
 
-/// Keeps copies of the items it is given; may do something on each.
-class Recorder : public pylon::plog::LogDevice {
-public:
-    Recorder() : LogDevice(nullptr) {}
+using Messages = QList<QByteArray>;
 
+/// Keeps copies of the items it is given; may do something on each.
+struct Recorder : pylon::plog::LogDevice {
+    Recorder() : LogDevice(nullptr) {}
+    DeviceType type() const override { return Custom; }
     void write(const pylon::plog::LogItem& item) override {
         items.append(item);
         if (onWrite)
             onWrite(item);
     }
-    DeviceType type() const override { return Custom; }
 
     /// The messages of the items since the last call.
-    QList<QByteArray> takeMessages() {
-        QList<QByteArray> messages;
+    Messages take() {
+        Messages messages;
         for (const pylon::plog::LogItem& item : std::exchange(items, {}))
             messages.append(item.rawMessage());
         return messages;

@@ -1,164 +1,215 @@
-#include <pylon/log/logitem.h>
+#include "recorder.h"
+
+#include <pylon/log/logmacros.h>
+#include <pylon/log/logmanager.h>
+#include <pylon/log/qtmessagehandler.h>
+#include <QtCore/QLoggingCategory>
 #include <QtCore/QSysInfo>
+#include <QtCore/QThread>
 #include <QtTest/QTest>
 
-#include <cstdint>
 #include <cstdio>
 
 using namespace pylon::plog;
 
 namespace {
 
-template <class... Values>
-QByteArray printed(const char* format, Values... values) {
-    char text[2048];
-    return QByteArray(text, std::snprintf(text, sizeof text, format, values...));
-}
+LogClient<Network> client;
 
-const QByteArray blanks28(28, ' ');
+enum class Sub { Stream = 2048 };
 
-unsigned shortProcessId() {
-    return static_cast<unsigned>(QCoreApplication::applicationPid()) & 0xFFFF;
-}
+Q_LOGGING_CATEGORY(decoder, "pylon.decoder")
 
-/// The columns that no test can foretell: the time, and the thread where the system numbers it.
-struct Moment {
-    QByteArray time;
-    QByteArray thread;
+struct Suffix : LogTagHook {
+    explicit Suffix(const char* suffix) : text(suffix) {}
+    void rewriteTag(QByteArray& tag) override { tag += text; }
+    const char* text;
 };
 
-Moment momentOf(const QByteArray& line) {
-    const qsizetype thread = line.indexOf("[T:") + 3;
-    return {line.mid(1, line.indexOf(']') - 1), line.mid(thread, 4)};
+unsigned processId() {
+    return static_cast<unsigned>(QCoreApplication::applicationPid());
+}
+
+// On Linux the main thread's number in the kernel is the process's.
+unsigned threadId() {
+    return QSysInfo::kernelType() == "linux" ? processId()
+                                             : unsigned(quintptr(QThread::currentThreadId()));
 }
 
 }  // namespace
 
+/// What items look like, and how calls of the macros and messages of Qt become such.
 class TestLogItem : public QObject {
     Q_OBJECT
 
+    LogManager* const manager = LogManager::instance();
+    const QSharedPointer<Recorder> device = QSharedPointer<Recorder>::create();
+
+    // Of each item since the last call level, module, sub-modules, tag and message.
+    QString takeItems() {
+        QStringList texts;
+        for (const LogItem& item : std::exchange(device->items, {}))
+            texts +=
+                QString::asprintf("%d %s %u [%s] %s", item.logLevel(), item.moduleName(),
+                                  item.submods(), item.context().data(), item.rawMessage().data());
+        return texts.join(", ");
+    }
+
 private slots:
-    // The bytes of the printf formats that the columns are defined by.
-    void linesMatchPrintf_data() {
-        QTest::addColumn<unsigned>("level");
-        QTest::addColumn<QByteArray>("levelText");
-        QTest::addColumn<QByteArray>("module");
-        QTest::addColumn<QByteArray>("function");
-        QTest::addColumn<QByteArray>("context");
-        QTest::addColumn<QByteArray>("message");
-        const auto row = [](const char* name, unsigned level, const char* levelText,
-                            const QByteArray& module, const QByteArray& function,
-                            const QByteArray& context, const QByteArray& message) {
-            QTest::newRow(name) << level << QByteArray(levelText) << module << function << context
-                                << message;
-        };
-        row("plain", Info, "INFO", "Network", "void f()", "", "message");
-        row("context", Debug, "DEBUG", "Network", "void f()", "camera 7", "message");
-        row("widths met", Trace, "TRACE", QByteArray(10, 'm'), QByteArray(40, 'f'),
-            QByteArray(25, 'c'), "");
-        row("widths passed", Warn, "WARN", QByteArray(11, 'm'), QByteArray(41, 'f'),
-            QByteArray(26, 'c'), QByteArray(4000, 'x'));
-        row("module fills the prefix", Error, "ERROR", QByteArray(600, 'm'), "f", "c", "after");
-        row("function is cut by the prefix", Timing, "TIME", QByteArray(400, 'm'),
-            QByteArray(60, 'f'), "c", "after");
-        row("characters cut in half", Startup, "START", "Gui",
-            QByteArray("f") + QByteArray("ä").repeated(30),
-            QByteArray("c") + QByteArray("ö").repeated(20), "ü");
-        row("null names", Graphics, "GRAPH", QByteArray(), QByteArray(), "", "message");
-        row("no level", 0, "BADLEVEL", "Gui", "f", "", "message");
-        row("two levels", 3, "BADLEVEL", "Gui", "f", "", "message");
-        row("unknown level", 256, "BADLEVEL", "Gui", "f", "", "message");
+    void init() {
+        manager->addLogDevice(device);
+        device->items.clear();
     }
 
+    // The bytes of the printf formats that the columns are defined by, in a buffer of 512 bytes.
     void linesMatchPrintf() {
-        QFETCH(unsigned, level);
-        QFETCH(QByteArray, levelText);
-        QFETCH(QByteArray, module);
-        QFETCH(QByteArray, function);
-        QFETCH(QByteArray, context);
-        QFETCH(QByteArray, message);
-        const auto text = [](const QByteArray& bytes) {
-            return bytes.isNull() ? nullptr : bytes.constData();
-        };
-        const auto shown = [](const QByteArray& bytes) {
-            return bytes.isNull() ? QByteArray("(null)") : bytes;
-        };
-        const void* object = reinterpret_cast<const void*>(std::uintptr_t{0xABC1234567});
-        const LogItem item(static_cast<LogLevel>(level), Network, 256, text(module), "plain",
-                           text(function), object, context, message);
-        const Moment moment = momentOf(item.toCString());
-
-        char prefix[512];
-        const QByteArray tail =
-            (context.isEmpty() ? blanks28 : printed("[%25.25s] ", context.constData())) +
-            printed("%-40.40s: ", shown(function).constData());
-        const QByteArray head =
-            printed("[%s][%5s][%10s][P:%04x][T:%s]", moment.time.constData(), levelText.constData(),
-                    shown(module).constData(), shortProcessId(), moment.thread.constData());
-        std::snprintf(prefix, sizeof prefix, "%s[O:%08x]%s", head.constData(), 0xC1234567u,
-                      tail.constData());
-        QCOMPARE(item.toCString(), prefix + message);
-        std::snprintf(prefix, sizeof prefix, "%s%s", head.constData(), tail.constData());
-        QCOMPARE(item.toString(), QString::fromUtf8(prefix) + QString::fromUtf8(message));
-    }
-
-    void columnsOfMoment() {
-        const LogItem item(Info, Gui, 256, "Gui", "f", "f", nullptr, {}, "message");
-        const Moment moment = momentOf(item.toCString());
-        char time[64];
-        item.timestamp().toDefaultString(time, sizeof time);
-        QCOMPARE(moment.time, QByteArray(time));
-        bool number = false;
-        const uint thread = moment.thread.toUInt(&number, 16);
-        QVERIFY(number && moment.thread == printed("%04x", thread));
-        // On Linux the main thread's number in the kernel is the process's.
-        if (QSysInfo::kernelType() == QLatin1String("linux"))
-            QCOMPARE(thread, shortProcessId());
-    }
-
-    void testModuleHasArrow() {
-        const LogItem item(Info, Test, 256, "Test", "f", "f", nullptr, {}, "message");
-        QVERIFY(item.toString().startsWith(QStringLiteral("---------------------------->  [")));
-        QVERIFY(item.toString().endsWith(QStringLiteral(": message")));
-        QVERIFY(item.toCString().startsWith('['));
-        QVERIFY(item.toCString().endsWith(": ----------------------------> message"));
+        const QByteArray x(600, 'x');
+        const struct {
+            int level;
+            const char* levelText;
+            QByteArray module, function, context, message;
+        } rows[] = {{Info, "INFO", "Network", "void f()", "", "message"},
+                    {Debug, "DEBUG", "Network", "void f()", "camera 7", "message"},
+                    {Trace, "TRACE", x.left(10), x.left(40), x.left(25), ""},
+                    {Warn, "WARN", x.left(11), x.left(41), x.left(26), x.repeated(10)},
+                    {Error, "ERROR", x, "f", "c", "after"},
+                    {Timing, "TIME", x.left(400), x.left(60), "c", "after"},
+                    {Startup, "START", "Gui", "fäääääääääääääääääääääääää", "cöööööööööööööö", "ü"},
+                    {Graphics, "GRAPH", "Test", "f", "", "message"},
+                    {0, "BADLEVEL", "Gui", "f", "", "message"},
+                    {3, "BADLEVEL", "Gui", "f", "", "message"}};
+        for (const auto& [level, levelText, module, function, context, message] : rows) {
+            const bool isTest = module == "Test";
+            const auto* object = reinterpret_cast<const void*>(std::uintptr_t{0xABC1234567});
+            const LogItem item(LogLevel(level), isTest ? Test : Network, 256, module, "plain",
+                               function, object, context, message);
+            char time[64], head[512], tail[512];
+            item.timestamp().toDefaultString(time, sizeof time);
+            std::snprintf(head, 512, "[%s][%5s][%10s][P:%04x][T:%04x]", time, levelText,
+                          module.data(), processId() & 0xFFFF, threadId() & 0xFFFF);
+            std::snprintf(tail, 512, context.isEmpty() ? "%28s%-40.40s: " : "[%25.25s] %-40.40s: ",
+                          context.data(), function.data());
+            const QByteArray text = (QByteArray(head) + tail).left(511);
+            const QByteArray bytes = (head + QByteArray("[O:c1234567]") + tail).left(511);
+            const QByteArray arrow(isTest ? "----------------------------> " : "");
+            QCOMPARE(item.toCString(), bytes + arrow + message);
+            QCOMPARE(item.toString(), QString(arrow) + (isTest ? " " : "") + text + message);
+        }
     }
 
     void finishedLineStaysAsItIs() {
-        const QString text = QStringLiteral("\nbänner");
-        const LogItem item(text);
-        QCOMPARE(item.toString(), text);
-        QCOMPARE(item.toCString(), text.toUtf8());
-        QCOMPARE(item.logLevel(), Info);
-        QCOMPARE(item.module(), PylonSDK);
-        QCOMPARE(item.submods(), 256u);
-        QCOMPARE(item.function(), "NONE");
-        QVERIFY(item.rawMessage().isEmpty());
+        const LogItem item(QStringLiteral("\nbänner"));
+        QVERIFY(item.toString() == QStringLiteral("\nbänner") && item.toCString() == "\nbänner");
+        QVERIFY(item.logLevel() == Info && item.module() == PylonSDK && item.submods() == 256);
+        QVERIFY(item.rawMessage().isEmpty() && qstrcmp(item.function(), "NONE") == 0);
         QVERIFY(LogItem(QString()).toCString().startsWith("[][ INFO][    (null)]"));
     }
 
     void functionNameCanBeChosen() {
         const LogItem pretty(Info, Gui, 256, "Gui", "plain", "int full()", nullptr, {}, {});
         const LogItem copy(pretty);
-        QVERIFY(pretty.toString().contains(QStringLiteral("int full()")));
+        QVERIFY(pretty.toString().contains(" int full() "));
         LogItem::usePrettyFunction(false);
-        QVERIFY(pretty.toString().contains(QStringLiteral("int full()")));
-        QVERIFY(copy.toString().contains(QStringLiteral(" plain ")));
-        QCOMPARE(pretty.function(), "plain");
+        QVERIFY(pretty.toString().contains(" int full() ") && copy.toString().contains(" plain "));
         LogItem::usePrettyFunction(true);
     }
 
-    void namesOfLevels() {
-        QCOMPARE(logLevelToString(Info), QStringLiteral("Information"));
-        QCOMPARE(logLevelToString(Warn), QStringLiteral("Warning"));
-        QCOMPARE(logLevelToString(LogLevel(Info | Warn)), QStringLiteral("Unknown"));
-        QCOMPARE(unsigned(maxLogLevel()), 0x7FFFFFFFu);
+    void texts() {
+        QVERIFY(logLevelToString(Info) == "Information" &&
+                logLevelToString(LogLevel(12)) == "Unknown");
+        QCOMPARE(printByteArray({}) + printByteArray(QByteArray("\0\x01\xAB", 3)), "00 01 ab ");
     }
 
-    void hexadecimalDump() {
-        QCOMPARE(printByteArray({}), QString());
-        QCOMPARE(printByteArray(QByteArray(1, '\0')), QStringLiteral("00 "));
-        QCOMPARE(printByteArray("\x01\xAB"), QStringLiteral("01 ab "));
+    void formsOfACall() {
+        PLOG_INFO(client, this, "plain");
+        PLOG_WARN(client, this, "%s=%d", "x", 5);
+        PLOG_INFO(client, this, 8192, "sub %.2f%c", 1.5, '!');
+        QCOMPARE(device->items[0].object(), static_cast<const void*>(this));
+        QVERIFY(QByteArray(device->items[0].function()).contains("TestLogItem::formsOfACall"));
+        QCOMPARE(takeItems(),
+                 "4 Network 256 [] plain, 8 Network 256 [] x=5, 4 Network 8192 [] sub 1.50!");
+        PLOG_INFO(client, nullptr, Sub::Stream);
+        PLOG_INFO(client, nullptr, Sub::Stream, "enum");
+        // A format that is missing or cannot be carried out costs the message, not the line.
+        for (const Arg& first : {Arg(static_cast<const char*>(nullptr)), Arg()})
+            client.log(Info, "f", "f", nullptr, first, Arg(), "DUMMY_STR");
+        QCOMPARE(
+            takeItems(),
+            "4 Network 2048 [] , 4 Network 2048 [] enum, 4 Network 256 [] , 4 Network 256 [] ");
+    }
+
+    void callsEvaluateWhatTheyNeed() {
+        int evaluated = 0;
+        const auto value = [&] { return ++evaluated; };
+        PLOG_INFO(client, (value(), this), "%d %d", value(), value());
+        PLOG_WARN(client, this, 512 * unsigned(value() > 0), "%s", (value(), "text"));
+        PLOG_DEBUG(client, (value(), this), "%d", value());
+        manager->enabledModules() &= ~unsigned(Network);
+        PLOG_ERROR(client, (value(), this), "%d", value());
+        manager->resetFilter();
+        QCOMPARE(evaluated, 5);
+        if (evaluated == 0)
+            PLOG_ERROR(client, this, "if");
+        else  // and not that of the macro
+            evaluated = 0;
+        QCOMPARE(evaluated, 0);
+    }
+
+    void messagesArriveWhole() {
+        for (const int length : {0, 1, 1022, 1023, 1024, 1025, 1026, 4096, 1 << 20}) {
+            const QByteArray text = QByteArray("0123456789abc").repeated(length).left(length);
+            PLOG_INFO(client, this, "%s", text.constData());
+            PLOG_INFO(client, this, 512, "%s", text.constData());
+            QVERIFY2(device->take() == Messages({text, text}), QByteArray::number(length));
+        }
+    }
+
+    void tagsAndHooks() {
+        Suffix first("-1"), second("-2");
+        LogClient<Gui> tagged;
+        tagged.setTag("tag");
+        for (Suffix* hook : {&first, &second, static_cast<Suffix*>(nullptr)})
+            tagged.addHook(hook);
+        PLOG_INFO(tagged, this, "with hooks");
+        tagged.removeHook(&first);
+        PLOG_INFO(tagged, this, "with one");
+        QCOMPARE(takeItems(), "4 Gui 256 [tag-1-2] with hooks, 4 Gui 256 [tag-2] with one");
+    }
+
+    void messagesOfQt() {
+        static QStringList previousHandlerGot;
+        const QtMessageHandler handlerOfQtTest =
+            qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) {
+                previousHandlerGot += text;
+            });
+        manager->setLogLevel(maxLogLevel());
+        installQtMessageHandler(Gui);
+        installQtMessageHandler(Qml);
+        // Names of a message may be gone right after it; those of an item must not.
+        QByteArray file("/some/where/Main.qml"), function("onClicked");
+        QMessageLogger(file.data(), 12, function.data()).debug("debug %d", 1);
+        file.fill('#');
+        function.fill('#');
+        QMessageLogger("C:\\x.cpp", 3, nullptr).info("%s", "grün % s");
+        QMessageLogger().warning(decoder, "warning");
+        QMessageLogger().critical("critical");
+        QStringList functions;
+        for (const LogItem& item : std::as_const(device->items))
+            functions += item.function();
+        QCOMPARE(functions.join(", "), "Main.qml:12 onClicked, x.cpp:3, Qt, Qt");
+        QCOMPARE(takeItems(),
+                 "2 Qml 256 [] debug 1, 4 Qml 256 [] grün % s, 8 Qml 256 [pylon.decoder] warning, "
+                 "16 Qml 256 [] critical");
+        // A device that warns does not get the warning.
+        device->onWrite = [](const LogItem&) { qWarning("from the device"); };
+        PLOG_ERROR(client, this, "once");
+        device->onWrite = nullptr;
+        QCOMPARE(device->take(), Messages{"once"});
+        removeQtMessageHandler();
+        removeQtMessageHandler();
+        qWarning("after removal");
+        QCOMPARE(previousHandlerGot.join(", "), "from the device, after removal");
+        qInstallMessageHandler(handlerOfQtTest);
     }
 };
 
