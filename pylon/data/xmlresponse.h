@@ -28,6 +28,7 @@ struct PYLON_EXPORT XmlResponseNode {
     XmlResponseNode& operator=(const XmlResponseNode& other) = default;
     ~XmlResponseNode() = default;
 
+    /// Whether there is an element: #valid.
     bool isValid() const { return valid; }
 
     /// Whether both stand for the same element of the same document, and have equal children.
@@ -55,6 +56,7 @@ struct PYLON_EXPORT XmlResponseError {
     QString message;  ///< In English for what the library refuses itself, else as Qt words it.
 
     friend bool operator==(const XmlResponseError&, const XmlResponseError&) = default;
+    /// Line, column and message.
     friend PYLON_EXPORT QDebug operator<<(QDebug debug, const XmlResponseError& error);
 };
 
@@ -111,12 +113,16 @@ public:
     /// empty.
     QString xml() const;
 
+    /// Replaces the prefix of paths from the root.
     void setPrefix(const QString& prefix) { prefix_ = prefix; }
 
     /// @name One element
     /// A node that is not valid if there is none, or if @p from is not valid.
     /// @{
+
+    /// The element at @p path from @p from.
     XmlResponseNode get(const XmlResponseNode& from, const QString& path) const;
+    /// The element at @p path from the root.
     XmlResponseNode get(const QString& path) const { return get(root_, path); }
     /// @}
 
@@ -125,7 +131,10 @@ public:
     /// index. Empty if there is none. The path may be a name alone, for elements in the starting
     /// one.
     /// @{
+
+    /// The elements at @p path from @p from.
     QList<XmlResponseNode> getAll(const XmlResponseNode& from, const QString& path) const;
+    /// The elements at @p path from the root.
     QList<XmlResponseNode> getAll(const QString& path) const { return getAll(root_, path); }
     /// @}
 
@@ -133,7 +142,10 @@ public:
     /// All text in the element, that of elements in it included. Null if there is no element, empty
     /// but not null if it has no text.
     /// @{
+
+    /// The text at @p path from @p from.
     QString getText(const XmlResponseNode& from, const QString& path) const;
+    /// The text at @p path from the root.
     QString getText(const QString& path) const { return getText(root_, path); }
     /// @}
 
@@ -142,8 +154,11 @@ public:
     /// are several with different prefixes. Null if there is no element or no such attribute, empty
     /// but not null if it has no value.
     /// @{
+
+    /// The attribute of the element at @p path from @p from.
     QString getAttribute(const QString& attribute, const XmlResponseNode& from,
                          const QString& path) const;
+    /// The attribute of the element at @p path from the root.
     QString getAttribute(const QString& attribute, const QString& path) const {
         return getAttribute(attribute, root_, path);
     }
@@ -153,7 +168,10 @@ public:
     /// True if the text is neither empty nor exactly "false"; so "False", "0" and "no" are true.
     /// False if there is no element.
     /// @{
+
+    /// The truth value at @p path from @p from.
     bool getBool(const XmlResponseNode& from, const QString& path) const;
+    /// The truth value at @p path from the root.
     bool getBool(const QString& path) const { return getBool(root_, path); }
     /// @}
 
@@ -161,7 +179,10 @@ public:
     /// The text as a decimal number; 0 if there is no element, or its text is no number of 32 bits
     /// without a sign.
     /// @{
+
+    /// The number at @p path from @p from.
     unsigned int getUInt(const XmlResponseNode& from, const QString& path) const;
+    /// The number at @p path from the root.
     unsigned int getUInt(const QString& path) const { return getUInt(root_, path); }
     /// @}
 

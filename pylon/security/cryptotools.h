@@ -12,7 +12,9 @@
 // read OpenSSL's headers.
 struct rsa_st;
 struct x509_st;
+/// An RSA key of OpenSSL.
 using RSA = rsa_st;
+/// An X.509 certificate of OpenSSL.
 using X509 = x509_st;
 
 /// @file
