@@ -1,3 +1,4 @@
+#include <pylon/media/internal/maskcodes.h>
 #include <pylon/media/motionutils.h>
 
 #include <QtCore/QtEndian>
@@ -11,19 +12,12 @@ namespace pylon {
 
 namespace {
 
-constexpr int gridWidth = MotionUtils::maskWidth;
-constexpr int gridCells = gridWidth * MotionUtils::maskHeight;
+using namespace motionmask;
+
 constexpr int minDimension = 16;
-// The mask is handled in words of this many cells, which may reach beyond its end.
-constexpr int wordSize = sizeof(quint64);
-constexpr quint64 everyByte = 0x0101010101010101;
 
-constexpr int likeAbove = 2;
-
-// Cells that one character of a class stands for.
-constexpr int smallRun = 27;
+// Cells that the last character of a class stands for.
 constexpr int mediumRun = 702;
-constexpr int largeRun = 729;
 constexpr int hugeRun = 5103;
 
 quint64 loadCells(const char* cells) {
@@ -35,10 +29,6 @@ quint64 nonZeroBytes(quint64 word) {
     constexpr quint64 lowBits = 0x7F * everyByte;
     const quint64 highBits = (((word & lowBits) + lowBits) | word) & ~lowBits;
     return (highBits >> 7) * 0x0102040810204080 >> 56;
-}
-
-constexpr int inverted(int value) {
-    return value == 0 ? 1 : 0;
 }
 
 // A set of cells, by their numbers, with an end mark behind the last.
@@ -164,116 +154,6 @@ int valueOf(char cell) {
     return cell == 0 || cell == likeAbove ? cell : 1;
 }
 
-class MaskReader {
-public:
-    // A text without an end given ends with a 0 byte.
-    explicit MaskReader(const char* text, const char* end = nullptr) : at_(text), end_(end) {
-        if (!atEnd())
-            width_ = readWidth();
-    }
-
-    bool readCells() {
-        for (int row = 0; row < MotionUtils::maskHeight; ++row) {
-            if (!readRow())
-                return false;
-            put(gridWidth - width_);
-        }
-        return true;
-    }
-
-    int width() const { return width_; }
-    // The character read last.
-    const char* lastRead() const { return at_ - 1; }
-    const char* cells() const { return cells_.data(); }
-    std::size_t filled() const { return static_cast<std::size_t>(filled_); }
-
-private:
-    static constexpr int toTheEnd = 55000;
-
-    bool atEnd() const { return end_ ? at_ == end_ : *at_ == '\0'; }
-
-    int readWidth() {
-        const char first = *at_;
-        int width = 1;
-        if (first >= 'A' && first <= 'Z')
-            width = first - 49;
-        else if (first >= 'a' && first <= 'w')
-            width = first - 55;
-        else if (first == 'z')
-            width = gridWidth;
-        if (width > 1)
-            ++at_;
-        return width;
-    }
-
-    bool readRow() {
-        for (int left = width_; left > 0;) {
-            if (remaining_ == 0 && !readRun())
-                return false;
-            const int count = std::min(remaining_, left);
-            put(count);
-            remaining_ -= count;
-            left -= count;
-        }
-        return true;
-    }
-
-    bool readRun() {
-        if (atEnd()) {
-            value_ = toggle_;
-            remaining_ = toTheEnd;
-            return true;
-        }
-        const char character = *at_++;
-        if (character >= '0' && character <= '2') {
-            value_ = toggle_ = character - '0';
-            remaining_ = 1;
-            return true;
-        }
-        value_ = toggle_;
-        remaining_ = runLength(character);
-        if (remaining_ <= 26)
-            toggle_ = inverted(toggle_);
-        return remaining_ > 0;
-    }
-
-    // 0 for a character that means nothing.
-    static int runLength(char character) {
-        if (character >= 'A' && character <= 'Z')
-            return character - 'A' + 1;
-        if (character >= 'a' && character <= 'z')
-            return smallRun * (character - 'a' + 1);
-        if (character >= '3' && character <= '9')
-            return largeRun * (character - '2');
-        return 0;
-    }
-
-    // Gives a value to the next cells, all of one row. Whole words are written, of which the cells
-    // to come will overwrite what is too much.
-    void put(int count) {
-        char* const first = cells_.data() + filled_;
-        char* const last = first + count;
-        if (value_ == likeAbove && filled_ >= gridWidth) {
-            for (char* to = first; to < last; to += wordSize)
-                std::memcpy(to, to - gridWidth, wordSize);
-        } else {
-            const quint64 word = static_cast<quint64>(value_) * everyByte;
-            for (char* to = first; to < last; to += wordSize)
-                std::memcpy(to, &word, wordSize);
-        }
-        filled_ += count;
-    }
-
-    const char* at_;
-    const char* end_;
-    int width_ = 1;
-    int remaining_ = 0;
-    int value_ = 0;
-    int toggle_ = 1;
-    int filled_ = 0;
-    std::array<char, gridCells + wordSize> cells_;
-};
-
 }  // namespace
 
 // Programs that take a constant by reference import it from here.
@@ -300,31 +180,6 @@ QString MotionUtils::encodeMask(const char (*mask)[maskWidth], int width, int he
         writer.writeRun(value, end - cell);
         cell = end;
     }
-}
-
-int MotionUtils::decodeMask(const char* text, char (*mask)[maskWidth]) {
-    MaskReader reader(text);
-    const bool valid = reader.readCells();
-    std::memcpy(mask, reader.cells(), reader.filled());
-    return valid ? reader.width() : -1;
-}
-
-std::optional<int> MotionUtils::tryDecodeMask(std::span<const char> text, std::span<char> mask,
-                                              QString* error) {
-    const auto fail = [error](const QString& reason) {
-        if (error)
-            *error = reason;
-        return std::nullopt;
-    };
-    if (mask.size() < std::size_t{gridCells})
-        return fail(QStringLiteral("Mask too small"));
-    const char* const begin = text.empty() ? "" : text.data();
-    MaskReader reader(begin, begin + text.size());
-    if (!reader.readCells())
-        return fail(QStringLiteral("Invalid character in mask text at byte %1")
-                        .arg(reader.lastRead() - begin));
-    std::memcpy(mask.data(), reader.cells(), reader.filled());
-    return reader.width();
 }
 
 }  // namespace pylon

@@ -43,7 +43,7 @@ B described(quint32 rate, const B& samples) {
     return text;
 }
 
-QString nameOf(qint64 offset, quint32 camera, const char* suffix) {
+QString nameOf(qint64 offset, int camera, const char* suffix) {
     return QString("%1-camera%2.%3").arg(offset, 12, 10, QChar('0')).arg(camera).arg(suffix);
 }
 
