@@ -7,41 +7,22 @@
 #include <pylon/platform/signalblocker.h>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QPointer>
-#include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
 #include <thread>
-#include <vector>
 
 using namespace pylon;
 
-namespace {
-
 /// Counts the calls that reach the deferred deletion handler in the main thread.
-class HandlerWatch : public QObject {
-public:
-    HandlerWatch() { qApp->installEventFilter(this); }
-
-    bool eventFilter(QObject* object, QEvent* event) override {
-        if (event->type() == QEvent::MetaCall &&
-            qstrcmp(object->metaObject()->className(), "pylon::DeferredDeletionHandler") == 0) {
-            handler = object;
-            ++calls;
-        }
+struct HandlerWatch : QObject {
+    bool eventFilter(QObject* object, QEvent*) override {
+        if (object->inherits("pylon::DeferredDeletionHandler"))
+            handler = object, ++calls;
         return false;
     }
-
     QObject* handler = nullptr;
     int calls = 0;
 };
-
-QByteArray missing(const char* file) {
-    return ("PylonSDK: Could not load plugin: " + QCoreApplication::applicationDirPath() + '/')
-               .toLocal8Bit() +
-           file;
-}
-
-}  // namespace
 
 class TestObjectHelpers : public QObject {
     Q_OBJECT
@@ -49,102 +30,72 @@ class TestObjectHelpers : public QObject {
 private slots:
     void requestsArriveOneByOne() {
         HandlerWatch watch;
-        requestProcessDeleteLaterEvents();
+        qApp->installEventFilter(&watch);
         DeferredDeletionHandler::queueRequest();
+        const auto request = [] {
+            for (int i = 0; i < 50; ++i)
+                requestProcessDeleteLaterEvents();
+        };
+        std::thread one(request), another(request);
+        one.join(), another.join();
         QCoreApplication::processEvents();
-        QCOMPARE(watch.calls, 2);
-
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i)
-            threads.emplace_back([] {
-                for (int request = 0; request < 50; ++request)
-                    requestProcessDeleteLaterEvents();
-            });
-        for (std::thread& thread : threads)
-            thread.join();
-        QCoreApplication::processEvents();
-        QCOMPARE(watch.calls, 202);
+        QCOMPARE(watch.calls, 101);
 
         // What it does, without an event loop that would do so anyway.
-        QObject receiver;
-        bool delivered = false;
         QMetaObject::invokeMethod(
-            &receiver, [&] { delivered = true; }, Qt::QueuedConnection);
+            this, [this] { setObjectName("called"); }, Qt::QueuedConnection);
         QVERIFY(QMetaObject::invokeMethod(watch.handler, "processDeleteLaterEvents"));
-        QVERIFY(delivered);
-    }
-
-    void deletesLater_data() {
-        QTest::addColumn<bool>("safely");
-        QTest::addColumn<unsigned>("level");
-        QTest::newRow("plain") << false << unsigned{plog::Trace};
-        QTest::newRow("traced") << true << unsigned{plog::Trace};
-        QTest::newRow("not traced") << true << unsigned{plog::Debug};
+        QCOMPARE(objectName(), "called");
     }
 
     void deletesLater() {
-        QFETCH(bool, safely);
-        QFETCH(unsigned, level);
         auto* const log = plog::LogManager::instance();
         const auto recorder = QSharedPointer<Recorder>::create();
         log->addRawDevice(recorder);
-        log->setLogLevel(level);
-        const QPointer<QObject> object = new QObject;
-        object->setObjectName(QStringLiteral("tile"));
-        const QByteArray address = QByteArray::number(quintptr(object.data()), 16);
-        (safely ? pylon::deleteLaterSafely : pylon::deleteLater)(object);
-        log->removeRawDevice(recorder);
-        QVERIFY(object);
-        QCoreApplication::sendPostedEvents(object, QEvent::DeferredDelete);
-        QVERIFY(!object);
+        const QPointer<QObject> plain = new QObject, traced = new QObject, untraced = new QObject;
+        traced->setObjectName("tile");
+        log->setLogLevel(plog::Trace);
+        pylon::deleteLater(plain);
+        deleteLaterSafely(traced);
+        log->setLogLevel(plog::Debug);
+        deleteLaterSafely(untraced);
+        const QByteArray tail = QByteArray::number(quintptr(traced.data()), 16) + " [tile]";
+        QVERIFY(plain && untraced);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!plain && !traced && !untraced);
 
-        QCOMPARE(recorder->items.size(), safely && level == plog::Trace ? 1 : 0);
-        for (const plog::LogItem& item : std::as_const(recorder->items)) {
-            const QByteArray message = item.rawMessage().toLower();
-            QVERIFY2(message.startsWith("object: ") && message.endsWith(address + " [tile]"),
-                     message);
-            QVERIFY(item.logLevel() == plog::Trace && item.module() == plog::Logic);
-            for (const bool pretty : {false, true}) {
-                plog::LogItem::usePrettyFunction(pretty);
-                QCOMPARE(QByteArray(item.function()), QByteArray("pylon::deleteLaterSafely"));
-            }
-        }
+        QCOMPARE(recorder->items.size(), 1);
+        const plog::LogItem& item = recorder->items[0];
+        QVERIFY(item.logLevel() == plog::Trace && item.module() == plog::Logic);
+        const QByteArray message = item.rawMessage().toLower();
+        QVERIFY(message.startsWith("object: ") && message.endsWith(tail));
+        QCOMPARE(item.function(), "pylon::deleteLaterSafely");
     }
 
     void blockersNest() {
-        for (const bool blockedBefore : {false, true}) {
-            QObject object;
-            object.blockSignals(blockedBefore);
-            {
-                const SignalBlocker outer(&object);
-                {
-                    const SignalBlocker inner(&object);
-                    QVERIFY(object.signalsBlocked());
-                }
-                QVERIFY(object.signalsBlocked());
-            }
-            QCOMPARE(object.signalsBlocked(), blockedBefore);
-        }
         const SignalBlocker none(nullptr);
+        {
+            const SignalBlocker outer(this);
+            { const SignalBlocker inner(this); }
+            QVERIFY(signalsBlocked());
+        }
+        QVERIFY(!signalsBlocked());
     }
 
     void consoleReaderEndsAtOnce() {
         ConsoleReader reader;
-        QSignalSpy pressed(&reader, &ConsoleReader::KeyPressed);
-        QVERIFY(pressed.isValid());
+        QVERIFY(reader.metaObject()->indexOfSignal("KeyPressed(char)") >= 0);
         reader.start();
         QVERIFY(reader.wait(60'000));
-        QCOMPARE(pressed.size(), 0);
     }
 
     void loadsPlugins() {
-        QTest::ignoreMessage(QtWarningMsg, missing("no such.dll"));
-        loadPlugin(QStringLiteral("no such"));
-        QTest::ignoreMessage(QtWarningMsg, missing("Qt6Multimedia.dll"));
-        loadQtPlugins({});
-        QVERIFY(!qEnvironmentVariableIsSet("PYLON_TEST_PLUGIN"));
-        loadQtPlugins({QStringLiteral("Multimedia"), QStringLiteral("PylonTest")});
-        QCOMPARE(qgetenv("PYLON_TEST_PLUGIN"), QByteArray("loaded"));
+        const QString warning = "PylonSDK: Could not load plugin: " + qApp->applicationDirPath();
+        for (const char* file : {"/no such.dll", "/Qt6Multimedia.dll"})
+            QTest::ignoreMessage(QtWarningMsg, qPrintable(warning + file));
+        loadPlugin("no such");
+        loadQtPlugins({"Multimedia", "PylonTest"});
+        QCOMPARE(qgetenv("PYLON_TEST_PLUGIN"), "loaded");
     }
 };
 

@@ -30,8 +30,8 @@ Extraction:
   --extract DIR      write the content of the frames shown into files of the folder DIR:
                      pictures, XML and anything else as OFFSET-cameraN.jpg, .xml, .bin;
                      sound as one cameraN-trackM.wav for each track, 16 bit, at the
-                     rate of its first frame. With several FILEs, names start with
-                     inputN-. A file that exists is an error, never overwritten.
+                     rate of its first frame. With several recordings, names start
+                     with inputN-. A file that exists is an error, never overwritten.
                      Encrypted frames, audio formats other than PCM and G.711, and
                      sound after the first 64 tracks are written as .bin.
                      A gap in the sound becomes silence, at most 60 s each and 100 MB in
