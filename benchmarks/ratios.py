@@ -45,6 +45,10 @@ LIMITS = {
         (f"Base64Of{size}/Base64", "Peer_EvpEncodeBlock"): 1.0
         for size in ("6B", "18B", "1KiB", "1MiB")
     },
+    ("Reply5MB/XmlResponse", "Peer_SetContent"): 1.3,
+    ("GetAll/20000Children", "Peer_10000Children"): 2.4,
+    ("GetText/FourLevels", "Peer_Pugixml"): 3.0,
+    ("SortAddresses/Sort", "Peer_LessThan"): 0.05,
     ("EncodeMask/MotionUtils", "Peer_Zlib1"): 0.5,
     ("DecodeMask/MotionUtils", "Peer_Zlib1"): 0.5,
 }

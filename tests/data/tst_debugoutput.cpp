@@ -24,7 +24,6 @@ private slots:
             {text(TimeZone(127, "X")), R"(TimeZone(unknown "X" "").)"},
             {text(server), R"(TimeZone(server +0:00 "" "").)"},
             {text(ptimeval{-1, 5}), "ptimeval(-1.000005)."},
-            {text(Timestamp(ptimeval{3600, 5})), "Timestamp(02:00:00.000005)."},
             {text(Timestamp(false)), "Timestamp()."},
             {text(plog::LogItem("a \"line\"")), "LogItem(a \"line\")."},
             {text(plog::LogFilterItem("M", {"a", "b"})), "LogFilterItem(M{a, b} not valid)."},

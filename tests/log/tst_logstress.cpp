@@ -4,10 +4,12 @@
 #include <pylon/log/logmacros.h>
 #include <pylon/log/logmanager.h>
 #include <pylon/platform/osal.h>
+#include <QtCore/QDateTime>
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
+#include <ctime>
 #include <mutex>
 #include <thread>
 
@@ -33,8 +35,13 @@ QByteArray content(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll().replace("\r\n", "\n") : QByteArray();
 }
 
+/// As the C runtime has it: under Wine, Qt's local time may be another.
 QByteArray timeOfDay(int later) {
-    return QTime::currentTime().addMSecs(later).toString("HH:mm:ss.zzz").toLatin1();
+    const qint64 msecs = QDateTime::currentMSecsSinceEpoch() + later;
+    const std::time_t secs = msecs / 1000;
+    char text[9];
+    std::strftime(text, sizeof text, "%H:%M:%S", std::localtime(&secs));
+    return text + QByteArray::number(1000 + msecs % 1000).replace(0, 1, ".");
 }
 
 /// The first line of a log of all threads that is not whole, in the order of its thread and from
