@@ -10,19 +10,19 @@ using namespace pylon;
 
 namespace {
 
-// The slots as they read back. One that is written as text starts with a byte of 32 or more and has
+// The texts as they read back. One that is written as text starts with a byte of 32 or more and has
 // no 0 in it, or is not meant to; the last slot of a block loses zeros at its end.
 QByteArrayList slotsOf(const ImageHeaderBase& header) {
-    QByteArrayList slots = header.extensions;
+    QByteArrayList texts = header.extensions;
     for (const int slot : {0, 1, 5, 6}) {
-        if (slots[slot].contains('\0') || (!slots[slot].isEmpty() && quint8(slots[slot][0]) < 32))
+        if (texts[slot].contains('\0') || (!texts[slot].isEmpty() && quint8(texts[slot][0]) < 32))
             return {};
     }
-    for (QByteArray& slot : slots) {
+    for (QByteArray& slot : texts) {
         while (slot.endsWith('\0'))
             slot.chop(1);
     }
-    return slots;
+    return texts;
 }
 
 void compare(const ImageHeaderBase& one, const ImageHeaderBase& other) {
