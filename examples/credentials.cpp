@@ -4,12 +4,10 @@
 #include <pylon/security/credentials.h>
 #include <pylon/security/cryptotools.h>
 #include <pylon/security/lockedkey.h>
+#include <pylon/security/opensslpointers.h>
 #include <QtCore/QFile>
 
-#include <openssl/rsa.h>
-
 #include <iostream>
-#include <memory>
 
 using namespace pylon;
 using namespace pylon::CryptoTools;
@@ -40,10 +38,9 @@ static QByteArray contents(const QString& path) {
 static void keysAndCertificates(const QString& keyFile, const QByteArray& server,
                                 const QByteArray& authority) {
     CryptoError keyError;
-    const std::unique_ptr<RSA, decltype(&RSA_free)> key(loadRSAPrivateKey(keyFile, PEM, &keyError),
-                                                        RSA_free);
+    const RsaPointer key(loadRSAPrivateKey(keyFile, PEM, &keyError));
     if (key)
-        std::cout << "key of " << RSA_bits(key.get()) << " bits\n";
+        std::cout << "key loaded\n";
     else
         std::cout << qPrintable(keyError.toString()) << '\n';
 

@@ -3,9 +3,7 @@
 #include "fuzz.h"
 
 #include <openssl/err.h>
-#include <openssl/rsa.h>
-#include <openssl/x509.h>
-#include <pylon/security/cryptotools.h>
+#include <pylon/security/opensslpointers.h>
 
 using namespace pylon::CryptoTools;
 
@@ -16,16 +14,14 @@ namespace {
 
 void check(QByteArray pem) {
     auto* const text = reinterpret_cast<unsigned char*>(pem.data());
-    X509* const x509 = tryLoadX509Certificate({text, qstrlen(pem)});
-    RSA* const key = RSAPublicKeyFromX509(text);
+    const X509Pointer x509(tryLoadX509Certificate({text, qstrlen(pem)}));
+    const RsaPointer key(RSAPublicKeyFromX509(text));
     CryptoError error;
     const bool isAccepted = checkX509Certificate(pem, pem, &error);
     FUZZ_CHECK(!isAccepted || (checkX509Certificate(pem, nullptr) && !error.hasError()));
     FUZZ_CHECK(x509CertificateIsSelfSigned(pem).has_value() == (x509 != nullptr));
     FUZZ_CHECK(x509 || (!key && !isAccepted));
     FUZZ_CHECK(ERR_peek_error() == 0);
-    RSA_free(key);
-    X509_free(x509);
 }
 
 }  // namespace

@@ -50,6 +50,7 @@
 #include <pylon/security/cryptoerror.h>
 #include <pylon/security/cryptotools.h>
 #include <pylon/security/lockedkey.h>
+#include <pylon/security/opensslpointers.h>
 #include <pylon/security/randomgenerator.h>
 #include <pylon/security/serveruid.h>
 #include <pylon/security/symmetrickey.h>

@@ -1,6 +1,7 @@
 #include <pylon/security/cryptotools.h>
 #include <pylon/security/internal/openssl.h>
 #include <pylon/security/internal/operationlog.h>
+#include <pylon/security/opensslpointers.h>
 
 #include <openssl/pem.h>
 #include <openssl/x509_vfy.h>
@@ -29,14 +30,14 @@ int printOnStandardError(const char* text, std::size_t length, void*) {
 }
 
 /// @param length of @p pem, or -1 if it ends with a 0 byte.
-X509Handle x509_from_memory(const void* pem, int length = -1) {
+X509Pointer x509_from_memory(const void* pem, int length = -1) {
     parseLog.entered();
     const BioHandle bio(BIO_new_mem_buf(pem, length));
     if (!bio) {
         parseLog(plog::Debug, "Error: BIO_new_mem_buf()");
         return nullptr;
     }
-    X509Handle certificate(PEM_read_bio_X509(bio.get(), nullptr, refusePassPhrase, nullptr));
+    X509Pointer certificate(PEM_read_bio_X509(bio.get(), nullptr, refusePassPhrase, nullptr));
     if (!certificate) {
         parseLog(plog::Debug, "PEM_read_bio_X509() - failed to load X509 cert from BIO");
         // Not ERR_print_errors_fp: on Windows libcrypto may have another C runtime than we.
@@ -77,7 +78,7 @@ StoreHandle newStore() {
 
 RSA* RSAPublicKeyFromX509(const unsigned char* pem) {
     const ErrorQueueScope errors;
-    const X509Handle certificate = x509_from_memory(pem);
+    const X509Pointer certificate = x509_from_memory(pem);
     return RSAPublicKeyFromX509i(certificate.get());
 }
 
@@ -117,8 +118,8 @@ bool checkX509Certificate(const char* serverPem, const char* caPem, CryptoError*
     checkLog.entered();
     if (!serverPem || !caPem)
         return false;
-    const X509Handle authority = x509_from_memory(caPem);
-    const X509Handle server = x509_from_memory(serverPem);
+    const X509Pointer authority = x509_from_memory(caPem);
+    const X509Pointer server = x509_from_memory(serverPem);
     if (!authority)
         checkLog(plog::Warn, "Failed to load CA Certificate");
     if (!server)
@@ -137,7 +138,7 @@ bool checkX509Certificate(const char* serverPem, CryptoError* error) {
     checkLog.entered();
     if (!serverPem)
         return false;
-    const X509Handle server = x509_from_memory(serverPem);
+    const X509Pointer server = x509_from_memory(serverPem);
     if (!server) {
         checkLog(plog::Warn, "Failed to load Server Certificate");
         return false;
@@ -155,7 +156,7 @@ bool checkX509Certificate(const char* serverPem, CryptoError* error) {
 std::optional<bool> x509CertificateIsSelfSigned(const char* pem) {
     const ErrorQueueScope errors;
     selfSignedLog.entered();
-    const X509Handle certificate = pem ? x509_from_memory(pem) : nullptr;
+    const X509Pointer certificate = pem ? x509_from_memory(pem) : nullptr;
     if (!certificate)
         return std::nullopt;
     return X509_NAME_cmp(X509_get_issuer_name(certificate.get()),

@@ -21,7 +21,8 @@ using X509 = x509_st;
 /// RSA private keys, X.509 certificates and a Blowfish keystream, by way of OpenSSL 3.
 ///
 /// Handles that a function returns belong to the caller, who frees them with `RSA_free` or
-/// `X509_free` of the libcrypto that comes with linking this library.
+/// `X509_free` of the libcrypto that comes with linking this library, or gives them to the owners
+/// of opensslpointers.h.
 ///
 /// Nothing asks for a pass phrase: what needs one does not parse. Nothing throws. Failures are told
 /// by the result and, where a function takes one, by an error record that may be null. Every

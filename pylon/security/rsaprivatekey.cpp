@@ -2,6 +2,7 @@
 #include <pylon/security/cryptotools.h>
 #include <pylon/security/internal/openssl.h>
 #include <pylon/security/internal/operationlog.h>
+#include <pylon/security/opensslpointers.h>
 
 #include <openssl/pem.h>
 
@@ -15,7 +16,6 @@ using namespace internal;
 
 namespace {
 
-using RsaHandle = std::unique_ptr<RSA, FreeBy<RSA_free>>;
 using FileHandle = std::unique_ptr<std::FILE, FreeBy<std::fclose>>;
 
 constexpr OperationLog loadLog("pylon::CryptoTools::loadRSAPrivateKey");
@@ -41,11 +41,11 @@ FileHandle openKeyFile(const QString& path) {
 }
 
 /// @param path in UTF-8, which OpenSSL expects on every platform.
-RsaHandle readPem(const QByteArray& path) {
+RsaPointer readPem(const QByteArray& path) {
     const BioHandle bio(BIO_new(BIO_s_file()));
     if (!bio || BIO_read_filename(bio.get(), path.constData()) <= 0)
         return nullptr;
-    return RsaHandle(PEM_read_bio_RSAPrivateKey(bio.get(), nullptr, refusePassPhrase, nullptr));
+    return RsaPointer(PEM_read_bio_RSAPrivateKey(bio.get(), nullptr, refusePassPhrase, nullptr));
 }
 
 long sizeOf(std::FILE* file) {
@@ -56,7 +56,7 @@ long sizeOf(std::FILE* file) {
     return size;
 }
 
-RsaHandle readDer(std::FILE* file, bool& shortRead) {
+RsaPointer readDer(std::FILE* file, bool& shortRead) {
     const long length = sizeOf(file);
     if (length < 1)
         return nullptr;
@@ -70,7 +70,7 @@ RsaHandle readDer(std::FILE* file, bool& shortRead) {
         return nullptr;
     }
     const unsigned char* position = bytes.data();
-    return RsaHandle(d2i_RSAPrivateKey(nullptr, &position, length));
+    return RsaPointer(d2i_RSAPrivateKey(nullptr, &position, length));
 }
 
 /// Whether OpenSSL can print the key. The text is wiped with the BIO.
@@ -92,7 +92,7 @@ RSA* loadRSAPrivateKey(const QString& path, Format format, CryptoError* error) {
         return nullptr;
     }
 
-    RsaHandle key;
+    RsaPointer key;
     bool shortRead = false;
     if (format == PEM)
         key = readPem(utf8Path);

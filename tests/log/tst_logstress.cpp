@@ -4,12 +4,10 @@
 #include <pylon/log/logmacros.h>
 #include <pylon/log/logmanager.h>
 #include <pylon/platform/osal.h>
-#include <QtCore/QDateTime>
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
-#include <ctime>
 #include <mutex>
 #include <thread>
 
@@ -35,13 +33,9 @@ QByteArray content(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll().replace("\r\n", "\n") : QByteArray();
 }
 
-/// As the C runtime has it: under Wine, Qt's local time may be another.
-QByteArray timeOfDay(int later) {
-    const qint64 msecs = QDateTime::currentMSecsSinceEpoch() + later;
-    const std::time_t secs = msecs / 1000;
-    char text[9];
-    std::strftime(text, sizeof text, "%H:%M:%S", std::localtime(&secs));
-    return text + QByteArray::number(1000 + msecs % 1000).replace(0, 1, ".");
+QByteArray timeOfDay() {
+    char text[64];
+    return {text, pylon::Timestamp(true).toDefaultString(text, sizeof text)};
 }
 
 /// The first line of a log of all threads that is not whole, in the order of its thread and from
@@ -89,7 +83,7 @@ private slots:
         manager->addLogDevice(file);
         manager->addLogDevice(QSharedPointer<LogConsole>::create(pipe));
         manager->addLogDevice(QSharedPointer<LogCustom>::create(&sink));
-        const QByteArray from = timeOfDay(0);
+        const QByteArray from = timeOfDay();
         std::vector<std::jthread> threads;
         for (int t = 0; t < threadCount; ++t) {
             threads.emplace_back([t] {
@@ -98,7 +92,7 @@ private slots:
             });
         }
         threads.clear();
-        const QByteArray to = timeOfDay(1);
+        const QByteArray to = timeOfDay();
         manager->clearLogDevices();
         file->flush();
         QCOMPARE(osal::pclose(pipe), 0);

@@ -20,5 +20,6 @@ int main() {
     const pylon::Image received(bytes);
     PLOG_INFO(client, nullptr, "a frame of %u bytes at %s", received.totalSize(),
               received.dateTime("HH:mm:ss").c_str());
-    return received.payload() == "picture" ? 0 : 1;
+    const pylon::XmlResponse reply(received.payload(), QString());
+    return reply.error().line == 1 ? 0 : 1;
 }

@@ -37,7 +37,6 @@ struct FreeBy {
 
 using BioHandle = std::unique_ptr<BIO, FreeBy<BIO_free>>;
 using EvpKeyHandle = std::unique_ptr<EVP_PKEY, FreeBy<EVP_PKEY_free>>;
-using X509Handle = std::unique_ptr<X509, FreeBy<X509_free>>;
 
 /// Bytes that are wiped before their memory is given back; null when there was no memory.
 class SecretBytes {
