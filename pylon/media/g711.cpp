@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 
 namespace pylon {
@@ -11,13 +12,10 @@ namespace pylon {
 namespace {
 
 using ExpansionTable = std::array<qint16, 256>;
-// Indexed by the bits of the sample. One look-up a sample is quicker than any arithmetic, and
-// speech, mostly of low volume, needs little of the table at a time.
-using CompressionTable = std::array<quint8, 65536>;
 
 constexpr int muLawBias = 132;
-constexpr int largestMagnitude = 0x7FFF;
 constexpr unsigned evenBits = 0x55;
+constexpr int signBit = 0x80;
 
 constexpr int expandMuLaw(unsigned code) {
     const unsigned bits = ~code;
@@ -33,48 +31,39 @@ constexpr int expandALaw(unsigned code) {
     return (bits & 0x80) != 0 ? magnitude : -magnitude;
 }
 
-// The least magnitude that a code without its sign stands for. Each of the eight segments but the
-// first of the A-law starts at a power of two and has sixteen equal steps.
-constexpr int muLawLevel(int code) {
-    return (16 + (code & 0x0F)) << ((code >> 4) + 3);
+// Segment and step of a magnitude of at least 128. Each segment starts at a power of two and has
+// sixteen equal steps, as the exponent and the first bits behind it of a floating-point number do.
+// Arithmetic, done in 16 bits where it can be, compiles to vectors; look-ups do not.
+qint16 segmentAndStep(qint16 magnitude) {
+    constexpr int exponentOf128 = 127 + 7;
+    const auto bits = std::bit_cast<qint32>(static_cast<float>(magnitude));
+    return static_cast<qint16>((bits >> 19) - exponentOf128 * 16);
 }
 
-constexpr int aLawLevel(int code) {
-    return code < 16 ? code * 16 : (16 + (code & 0x0F)) << ((code >> 4) + 3);
+// -1 for a negative sample, else 0.
+qint16 signOf(qint16 sample) {
+    return static_cast<qint16>(sample >> 15);
 }
 
-constexpr void fill(CompressionTable& table, int first, int last, unsigned code) {
-    for (int sample = first; sample <= last; ++sample)
-        table[static_cast<quint16>(sample)] = static_cast<quint8>(code);
+quint8 compressMuLaw(qint16 sample) {
+    constexpr qint16 largest = 0x7FFF - muLawBias - 1;
+    const qint16 sign = signOf(sample);
+    const qint16 size = std::min(static_cast<qint16>(sample ^ sign), largest);
+    const auto magnitude = static_cast<qint16>(size + muLawBias - sign);
+    return static_cast<quint8>(segmentAndStep(magnitude) ^ (0xFF ^ (sign & signBit)));
 }
 
-// Filled code by code, which takes compilers far fewer steps than sample by sample. Magnitudes
-// count up from a bias for samples from 0 on, and from another one downwards for negative samples;
-// what lies beyond the last segment takes its largest code.
-template <typename Level>
-constexpr CompressionTable compressionTable(Level level, int bias, int negativeBias, unsigned mask,
-                                            unsigned negativeMask) {
-    CompressionTable table{};
-    for (int code = 0; code < 128; ++code) {
-        const auto bits = static_cast<unsigned>(code);
-        const int first = level(code);
-        const int last = code < 127 ? level(code + 1) - 1 : largestMagnitude + bias + 1;
-        fill(table, std::max(first - bias, 0), std::min(last - bias, 32767), bits ^ mask);
-        fill(table, std::max(negativeBias - last, -32768), std::min(negativeBias - first, -1),
-             bits ^ negativeMask);
-    }
-    return table;
-}
-
-constexpr CompressionTable muLawCompressionTable() {
-    return compressionTable(muLawLevel, muLawBias, muLawBias, 0xFF, 0x7F);
-}
-
-constexpr CompressionTable aLawCompressionTable() {
-    CompressionTable table = compressionTable(aLawLevel, 0, -8, evenBits | 0x80, evenBits);
-    // The magnitudes of these are themselves negative, and their bits count as they are.
-    fill(table, -7, -1, 0x0F ^ evenBits);
-    return table;
+quint8 compressALaw(qint16 sample) {
+    // The first segment has the steps of the second.
+    constexpr qint16 firstSegmentEnd = 255;
+    constexpr qint16 lastStep = 15;
+    const qint16 sign = signOf(sample);
+    const auto magnitude = static_cast<qint16>((sample ^ sign) + (sign & -7));
+    // Unsigned, so that the magnitudes that are negative themselves end in the last step.
+    const auto quotient = static_cast<qint16>(static_cast<quint16>(magnitude) >> 4);
+    const int step = std::min(quotient, lastStep) - lastStep;
+    const int code = segmentAndStep(std::max(magnitude, firstSegmentEnd)) + step;
+    return static_cast<quint8>(code ^ (0x80 ^ evenBits ^ (sign & signBit)));
 }
 
 template <typename Law>
@@ -87,8 +76,15 @@ constexpr ExpansionTable expansionTable(Law expand) {
 
 constexpr ExpansionTable muLawExpansion = expansionTable(expandMuLaw);
 constexpr ExpansionTable aLawExpansion = expansionTable(expandALaw);
-constexpr CompressionTable muLawCompression = muLawCompressionTable();
-constexpr CompressionTable aLawCompression = aLawCompressionTable();
+
+template <typename Law>
+void compress(Law law, const std::byte* pcm, std::byte* codes, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        qint16 sample = 0;
+        std::memcpy(&sample, pcm + i * sizeof sample, sizeof sample);
+        codes[i] = std::byte{law(sample)};
+    }
+}
 
 }  // namespace
 
@@ -107,15 +103,13 @@ std::size_t expandG711(G711Law law, std::span<const std::byte> codes,
 
 std::size_t compressG711(G711Law law, std::span<const std::byte> pcm,
                          std::span<std::byte> codes) noexcept {
-    const CompressionTable& table = law == G711Law::MuLaw ? muLawCompression : aLawCompression;
-    const std::size_t count = std::min(pcm.size() / sizeof(quint16), codes.size());
-    const std::byte* const from = pcm.data();
-    std::byte* const to = codes.data();
-    for (std::size_t i = 0; i < count; ++i) {
-        quint16 sample = 0;
-        std::memcpy(&sample, from + i * sizeof sample, sizeof sample);
-        to[i] = std::byte{table[sample]};
-    }
+    const std::size_t count = std::min(pcm.size() / sizeof(qint16), codes.size());
+    if (law == G711Law::MuLaw)
+        compress([](qint16 sample) { return compressMuLaw(sample); }, pcm.data(), codes.data(),
+                 count);
+    else
+        compress([](qint16 sample) { return compressALaw(sample); }, pcm.data(), codes.data(),
+                 count);
     return count;
 }
 
