@@ -20,8 +20,8 @@ namespace osal {
 /// @return 0, or the runtime's error number (@c errno value).
 PYLON_EXPORT int fopen(FILE** file, const QString& path, const QString& mode);
 
-/// Value of an environment variable; empty when it is not set.
-/// Not safe while another thread changes the environment.
+/// Value of an environment variable; empty when it is not set. Other threads may change the
+/// environment meanwhile if they do so by @c qputenv.
 PYLON_EXPORT QString getenv(const QString& name);
 
 /// Starts a command by the system's command interpreter, connected by a pipe.
@@ -48,7 +48,8 @@ PYLON_EXPORT char* strtok(char* text, const char* delimiters);
 
 /// Formats like C99 @c vsnprintf on every platform. The text in @p buffer is cut to fit and always
 /// terminated; @p buffer may be null when @p bufferSize is 0.
-/// @return the length of the complete text without its terminator, or -1 for a bad format.
+/// @return the length of the complete text without its terminator, or -1 for a bad format, after
+///         which nothing in @p buffer is to be relied on.
 PYLON_EXPORT int vsnprintf_c99(char* buffer, std::size_t bufferSize, const char* format,
                                va_list arguments);
 

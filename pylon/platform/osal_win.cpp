@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cwchar>
+#include <vector>
 
 namespace osal {
 
@@ -49,8 +50,13 @@ int fopen(FILE** file, const QString& path, const QString& mode) {
 }
 
 QString getenv(const QString& name) {
-    const wchar_t* const value = _wgetenv(wide(name));
-    return value ? QString::fromWCharArray(value) : QString();
+    // Copies under the runtime's lock. The narrow twin would give the value in the code page.
+    std::size_t size = 0;
+    _wgetenv_s(&size, nullptr, 0, wide(name));
+    std::vector<wchar_t> value(size);
+    if (_wgetenv_s(&size, value.data(), value.size(), wide(name)) != 0 || size == 0)
+        return {};
+    return QString::fromWCharArray(value.data());
 }
 
 FILE* popen(const char* command, const char* mode) {
