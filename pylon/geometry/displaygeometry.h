@@ -44,10 +44,10 @@ PYLON_EXPORT NDCRect zoomRectToNdcRect(QRectF rect, QSizeF containerSize);
 /// margins: they grow with the zoom factor, and the picture cannot be moved farther from an edge
 /// than they are wide.
 ///
-/// The zoom factor and the rectangle are separate. A new size, another aspect setting, resetZoom()
-/// and resetZoomOffset() put the rectangle back to the unzoomed one and keep the factor, so that
-/// the next zoom() begins with the factor of old. To begin anew, assign `DisplayGeometry()` and set
-/// the sizes again.
+/// The zoom factor and the rectangle are separate. A new size, another aspect setting and
+/// resetZoom() put the rectangle back to the unzoomed one and keep the factor, so that the next
+/// zoom() begins with the factor of old. To begin anew, assign `DisplayGeometry()` and set the
+/// sizes again.
 ///
 /// Set both sizes first. Without them the rectangle is empty, and zooming or moving leaves it empty
 /// or makes its coordinates infinite or NaN; the same goes for arguments that are not finite. No

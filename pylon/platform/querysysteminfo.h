@@ -51,8 +51,9 @@ public:
     static bool isMarlow();
 
 signals:
-    /// Both programs have answered or failed. After a second load() emitted for each of them, and
-    /// for one that crashes twice: for the crash and for the end.
+    /// Both programs have answered or failed; within load() already where they cannot be started.
+    /// After a second load() emitted for each of them, and for one that crashes twice: for the
+    /// crash and for the end.
     void loaded();
 
 private:

@@ -39,7 +39,7 @@ struct SystemInfo {
 
 /// Which lines a text had that the reader finds by their content.
 struct SystemInfoFindings {
-    bool memory = false;      ///< A line with an amount in "MB".
+    bool memory = false;      ///< A line with "MB"; the first one is taken for the total.
     bool processors = false;  ///< A numbered line with a clock in "Mhz".
 };
 
