@@ -14,7 +14,7 @@ namespace {
 using ExpansionTable = std::array<qint16, 256>;
 
 constexpr int muLawBias = 132;
-constexpr unsigned evenBits = 0x55;
+constexpr int evenBits = 0x55;
 constexpr int signBit = 0x80;
 
 constexpr int expandMuLaw(unsigned code) {
@@ -24,7 +24,7 @@ constexpr int expandMuLaw(unsigned code) {
 }
 
 constexpr int expandALaw(unsigned code) {
-    const unsigned bits = code ^ evenBits;
+    const unsigned bits = code ^ unsigned { evenBits };
     const unsigned segment = bits >> 4 & 7;
     const int step = static_cast<int>(bits & 0x0F) * 16;
     const int magnitude = segment == 0 ? step + 8 : (step + 264) << (segment - 1);
@@ -63,7 +63,7 @@ quint8 compressALaw(qint16 sample) {
     const auto quotient = static_cast<qint16>(static_cast<quint16>(magnitude) >> 4);
     const int step = std::min(quotient, lastStep) - lastStep;
     const int code = segmentAndStep(std::max(magnitude, firstSegmentEnd)) + step;
-    return static_cast<quint8>(code ^ (0x80 ^ evenBits ^ (sign & signBit)));
+    return static_cast<quint8>(code ^ (signBit ^ evenBits ^ (sign & signBit)));
 }
 
 template <typename Law>

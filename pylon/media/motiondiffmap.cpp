@@ -213,7 +213,7 @@ std::optional<std::size_t> MotionUtils::tryEncodeDiffMap(std::span<const unsigne
     const char* reason = nullptr;
     if (width < 0 || width > maxCodedWidth || height < 0 || height > maxHeight)
         reason = "Difference map dimensions out of range";
-    else if (map.size() < static_cast<std::size_t>(width * height))
+    else if (map.size() < static_cast<std::size_t>(width) * static_cast<std::size_t>(height))
         reason = "Difference map too short";
     else if (out.size() < maxCodedSize(width, height, step))
         reason = "Buffer too small";

@@ -15,7 +15,7 @@ using Pair = std::array<char, 2>;
 
 /// The two characters for each 12 bits: half as many look-ups as with the alphabet itself.
 constexpr auto pairs = [] {
-    std::array<Pair, 64 * 64> table{};
+    std::array<Pair, std::size_t{64} * 64> table{};
     for (std::size_t bits = 0; bits < table.size(); ++bits)
         table[bits] = {alphabet[bits / 64], alphabet[bits % 64]};
     return table;

@@ -19,7 +19,7 @@ signed char offsetOf(signed char hours, int quarters, signed char ifOutOfRange) 
     if (hours < -maxHours || hours > maxHours)
         return ifOutOfRange;
     const long long away = hours > 0 ? quarters : -static_cast<long long>(quarters);
-    return static_cast<signed char>(hours * quartersPerHour + away);
+    return static_cast<signed char>(away + static_cast<long long>(hours) * quartersPerHour);
 }
 
 }  // namespace

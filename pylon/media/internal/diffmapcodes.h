@@ -68,7 +68,7 @@ constexpr EncodeTable encodeTable(const Ranges& ranges, int step) {
 /// Step 2 has the codes of step 4, each with the lowest bit of its quotient behind it.
 constexpr EncodeTable withOneBitMore(EncodeTable table) {
     for (std::size_t cell = 0; cell < table.size(); ++cell) {
-        const int lowestBit = cell >> 1 & 1;
+        const auto lowestBit = static_cast<int>(cell >> 1 & 1);
         table[cell].code = static_cast<quint16>(table[cell].code << 1 | lowestBit);
         ++table[cell].bits;
     }
