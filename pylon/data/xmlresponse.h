@@ -23,7 +23,7 @@ struct PYLON_EXPORT XmlResponseNode {
     /// A valid node with the local name of @p e, and no children: only parsing fills these in.
     XmlResponseNode(const QDomElement& e);
 
-    /// Moving copies.
+    /// All four fields; moving copies too, so what was moved from stays as it was.
     XmlResponseNode(const XmlResponseNode& other) = default;
     XmlResponseNode& operator=(const XmlResponseNode& other) = default;
     ~XmlResponseNode() = default;
