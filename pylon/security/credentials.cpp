@@ -41,8 +41,10 @@ void wipe(QByteArray& text) {
 /// stored credentials depend on it.
 Sha1Digest digestOf(const QString& user, const QString& salt, const QString& key) {
     const qsizetype codeUnits = user.size() + 1 + salt.size() + 1 + key.size();
-    QByteArray text = user.toUtf8() + ':' + salt.toUtf8() + ':' + key.toUtf8();
+    QByteArray keyText = key.toUtf8();
+    QByteArray text = user.toUtf8() + ':' + salt.toUtf8() + ':' + keyText;
     const Sha1Digest digest = internal::sha1(QByteArrayView(text).first(codeUnits));
+    wipe(keyText);
     wipe(text);
     return digest;
 }
@@ -65,7 +67,7 @@ QString encrypted(const QString& password, const Sha1Digest& digest) {
 std::optional<QString> encryptedLike(const QString& stored, const QString& user,
                                      const QString& password, const QString& key) {
     const qsizetype first = stored.indexOf(u':');
-    const qsizetype second = first < 0 ? -1 : stored.indexOf(u':', first + 1);
+    const qsizetype second = stored.indexOf(u':', first + 1);
     if (second < 0)
         return std::nullopt;
     const QString salt = stored.sliced(first + 1, second - first - 1);

@@ -27,9 +27,9 @@ PYLON_EXPORT void base64(const unsigned char* data, int length, char* out);
 /// @{
 
 /// Hash of a password with a given salt.
-/// @param salt 8 characters, which need no 0 byte behind them; of a text that ends earlier, the
-///     missing ones are 0.
-/// @param password text that ends with a 0 byte; the first 40 bytes count.
+/// @param salt 8 characters, which need no 0 byte behind them; of a text that ends earlier, or is
+///     null, the missing ones are 0.
+/// @param password text that ends with a 0 byte, of which the first 40 bytes count; null is empty.
 /// @param out room for 36 bytes. The hash takes 34 of them: 8 of salt, ':', 24 of Base64 and a 0
 ///     byte.
 PYLON_EXPORT void encodeSHA1pass(const char* salt, const char* password, unsigned char* out);

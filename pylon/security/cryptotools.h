@@ -59,13 +59,15 @@ PYLON_EXPORT RSA* loadRSAPrivateKey(const QString& path, Format format, CryptoEr
 
 /// Decrypts @p length bytes with the private key.
 /// @param to receives the plain text: up to `RSA_size(key)` bytes.
-/// @param padding how the text was padded, one of OpenSSL's `RSA_..._PADDING`.
+/// @param padding how the text was padded, one of OpenSSL's `RSA_..._PADDING`. With
+///     `RSA_PKCS1_PADDING`, from OpenSSL 3.2 on, text that is padded otherwise is no error but
+///     gives random bytes.
 /// @return the length of the plain text, or -1 on error; also if a pointer is null or @p length is
 ///     below 1.
 PYLON_EXPORT int RSAPrivateDecrypt(int length, const unsigned char* from, unsigned char* to,
                                    RSA* key, int padding);
 
-/// Public key of the first certificate in @p pem, which ends with a 0 byte.
+/// Public key of the first certificate in @p pem, which ends with a 0 byte; null has none.
 /// @return the key, owned by the caller; null if there is no certificate or its key is not RSA.
 PYLON_EXPORT RSA* RSAPublicKeyFromX509(const unsigned char* pem);
 
@@ -76,12 +78,12 @@ PYLON_EXPORT RSA* RSAPublicKeyFromX509i(X509* certificate);
 
 /// @name Certificates
 /// Certificates come as PEM texts that, but for one function, end with a 0 byte; the first one in
-/// the text counts. What OpenSSL has against a text that does not parse is printed on standard
-/// error.
+/// the text counts. A null text does not parse. What OpenSSL has against one that does not is
+/// printed on standard error.
 /// @{
 
 /// Parses a certificate.
-/// @param data the text; may be null, which does not parse.
+/// @param data the text.
 /// @param length not used.
 /// @param format PEM; nothing else is supported.
 /// @param error not used.
@@ -93,9 +95,10 @@ PYLON_EXPORT X509* loadX509Certificate(unsigned char* data, unsigned int length,
 [[nodiscard]] PYLON_EXPORT X509* tryLoadX509Certificate(std::span<const unsigned char> pem);
 
 /// Whether the server's certificate is valid now and was signed by the given certificate authority,
-/// without others between them. Host names are not looked at.
+/// without others between them; the authority has to be a root, that is, to be signed by itself.
+/// Host names are not looked at.
 /// @param[out] error the code and text of OpenSSL's `X509_V_ERR_...` if the check fails; not
-///     written when a certificate is null or does not parse.
+///     written when a certificate does not parse.
 PYLON_EXPORT bool checkX509Certificate(const char* serverPem, const char* caPem,
                                        CryptoError* error);
 
@@ -106,7 +109,7 @@ PYLON_EXPORT bool checkX509Certificate(const char* serverPem, const char* caPem,
 PYLON_EXPORT bool checkX509Certificate(const char* serverPem, CryptoError* error);
 
 /// Whether issuer and subject of the certificate have the same name; no signature is checked.
-/// @return no value if @p pem is null or does not parse.
+/// @return no value if @p pem does not parse.
 PYLON_EXPORT std::optional<bool> x509CertificateIsSelfSigned(const char* pem);
 /// @}
 

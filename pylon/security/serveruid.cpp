@@ -24,12 +24,11 @@ quint64 serverUIDFromString(const QString& text) {
 }
 
 std::optional<quint64> tryServerUIDFromString(const QString& text) {
-    const QString characters = correctServerUID(text);
-    const QByteArray bytes = characters.toUtf8();
-    if (!characters.isValidUtf16() || bytes.size() != uidSize)
+    const QByteArray bytes = correctServerUID(text).toUtf8();
+    if (bytes.size() != uidSize)
         return std::nullopt;
     const auto uid = qFromLittleEndian<quint64>(bytes.constData());
-    // Bytes that are no text were replaced on the way, and a byte order mark was dropped.
+    // What is no text was replaced on the way, and a byte order mark was dropped.
     bool isNumber = false;
     const qlonglong number = text.toLongLong(&isNumber);
     const bool isWhole =
