@@ -32,7 +32,7 @@ static void stream() {
 
 static QByteArray contents(const QString& path) {
     QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("");
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 static void keysAndCertificates(const QString& keyFile, const QByteArray& server,
