@@ -10,38 +10,18 @@ using namespace pylon;
 
 namespace {
 
-const QByteArray pieces[] = {"<a>",
-                             "</a>",
-                             "<b c='>' d=\"'\">",
-                             "</b>",
-                             "<e/>",
-                             "<!--",
-                             "-->",
-                             "<![CDATA[",
-                             "]]>",
-                             "<?f",
-                             "?>",
-                             "<",
-                             ">",
-                             "'",
-                             "\"",
-                             "=",
-                             "[",
-                             "]",
-                             "text",
-                             "<a b='1'/",
-                             "<!DOCTYPE a",
-                             "<?xml version='1.0' encoding='UTF-8'?>",
-                             "&#65;",
-                             " xmlns:n='u'",
-                             "<n:a>",
-                             "</n:a>"};
+const QByteArrayList pieces =
+    QByteArray(
+        "<a>|</a>|<b c='>' d=\"'\">|</b>|<e/>|<!--|-->|<![CDATA[|]]>|<?f|?>|<|>|'|\"|=|[|]|text|"
+        "<a b='1'/|<!DOCTYPE a|<?xml version='1.0' encoding='UTF-8'?>|&#65;| xmlns:n='u'|<n:a>|"
+        "</n:a>")
+        .split('|');
 constexpr int manyTimes = 60;
 
 QByteArray fromPieces(const std::uint8_t* data, std::size_t size) {
     QByteArray document;
     for (std::size_t i = 0; i < std::min<std::size_t>(size, 64); ++i) {
-        const QByteArray& piece = pieces[(data[i] & 0x7F) % std::size(pieces)];
+        const QByteArray& piece = pieces[(data[i] & 0x7F) % pieces.size()];
         document += piece.repeated(data[i] & 0x80 ? manyTimes : 1);
     }
     return document;

@@ -45,70 +45,49 @@ class TestXmlResponse : public QObject {
     Q_OBJECT
 
 private slots:
-    void paths_data() {
-        QTest::addColumn<QString>("prefix");
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("text");  // null if nothing is found
-        QTest::addColumn<int>("all");
-        const struct {
-            const char* prefix;
-            const char* path;
-            const char* text;
-            int all;
-        } rows[] = {
-            {"", "/Response/System/Model", "NVR-16", 1},
-            {"", "/anything/SYSTEM/serial", "", 1},
-            {"", "/R/Cameras/Camera/Name", "Gate & yard", 1},
-            {"", "/R/Cameras/Camera[1]/Name", "Hall 2 <rear>", 1},
-            {"", "/R/Cameras/Camera[2]/Name", "", 1},
-            {"", "/R/Cameras/Camera[3]/Name", nullptr, 0},
-            {"", "/R/Cameras/Camera", "Gate & yard", 3},
-            {"", "/R/Cameras/Camera[001]/Track", "a", 2},
-            {"", "/R/Cameras/Camera[1]/Track[0]", "a", 1},
-            {"", "/R/Cameras/Camera[1]/Track[1]", "", 1},
-            {"", "/R/V[4294967295]", nullptr, 0},
-            {"", "/R/V[4294967296]", nullptr, 0},
-            {"", "/R/V[99999999999999999999]/b", nullptr, 0},
-            {"", "/R/V[1][4]", "false", 1},
-            {"", "/R/V[", "true", 1},
-            {"", "/R/V[x]", "true", 1},
-            {"", "/R/V[-1]", "true", 1},
-            {"", "/R/V]", "true", 1},
-            {"", "/R/]V[4]", "42", 1},
-            {"", "/R/[V", "true", 8},
-            {"", "/R/[]V", "true", 8},
-            {"", "/R/[2]V", nullptr, 0},
-            {"", "/R/[]", nullptr, 0},
-            {"", "/R/", nullptr, 0},
-            {"", "/R//V", nullptr, 0},
-            {"", "/R/V/", nullptr, 0},
-            {"", "/R/V ", nullptr, 0},
-            {"", "/R/srv:V", nullptr, 0},
-            {"", "/R/Größe", "1", 2},
-            {"", "/R/GRÖSSE", "2", 1},
-            {"", "/R/i̇", "4", 1},
-            {"", "/R/HI", "5", 1},
-            {"", "/R/H", nullptr, 0},
-            {"/Response/Cameras", "/Camera[1]/Track", "a", 2},
-            {"/R", "/System/Model", "NVR-16", 1},
-            {"/R/Sys", "tem/Model", "NVR-16", 1},
-            {"/R", "/R/System/Model", nullptr, 0},
-        };
-        for (const auto& row : rows)
-            QTest::addRow("%s %s", row.prefix, row.path)
-                << row.prefix << row.path << QString::fromUtf8(row.text) << row.all;
-    }
-
     void paths() {
-        QFETCH(QString, path);
-        QFETCH(QString, text);
-        QFETCH(QString, prefix);
-        const XmlResponse response(equipment, prefix);
+        // Prefix, path, and what is found: how many, and the text of the first.
+        const std::tuple<QString, QString, QString> rows[] = {
+            {"", "/Response/System/Model", "1 NVR-16"},
+            {"", "/anything/SYSTEM/serial", "1 "},
+            {"", "/R/Cameras/Camera/Name", "1 Gate & yard"},
+            {"", "/R/Cameras/Camera[1]/Name", "1 Hall 2 <rear>"},
+            {"", "/R/Cameras/Camera[3]/Name", "0 null"},
+            {"", "/R/Cameras/Camera[001]/Trac\u212A", "2 a"},  // the sign of the unit kelvin
+            {"", "/R/Cameras/Camera[1]/Track[1]", "1 "},
+            {"", "/R/V[4294967296]", "0 null"},
+            {"", "/R/V[1][4]", "1 false"},
+            {"", "/R/V[", "1 true"},
+            {"", "/R/V[]", "1 true"},
+            {"", "/R/V[4", "1 true"},
+            {"", "/R/V[+1]", "1 true"},
+            {"", "/R/V]", "1 true"},
+            {"", "/R/]V[4]", "1 42"},
+            {"", "/R/[V", "8 true"},
+            {"", "/R/[2]V", "0 null"},
+            {"", "/R/[]", "0 null"},
+            {"", "/R/", "0 null"},
+            {"", "/R//V", "0 null"},
+            {"", "/R/srv:V", "0 null"},
+            {"", "/R/Größe", "2 1"},
+            {"", "/R/GRÖSSE", "1 2"},
+            {"", "/R/i̇", "1 4"},
+            {"", "/R/HI", "1 5"},
+            {"", "/R/H", "0 null"},
+            {"/Response/Cameras", "/Camera[1]/Track", "2 a"},
+            {"/R/Sys", "tem/Model", "1 NVR-16"},
+            {"/R", "/R/System/Model", "0 null"},
+        };
+        XmlResponse response(equipment, "");
         QVERIFY2(response.isValid(), qPrintable(response.error().message));
-        QCOMPARE(response.getText(path), text);
-        QCOMPARE(response.getText(path).isNull(), text.isNull());
-        QCOMPARE(response.get(path).isValid(), !text.isNull());
-        QTEST(int(response.getAll(path).size()), "all");
+        for (const auto& [prefix, path, expected] : rows) {
+            response.setPrefix(prefix);
+            const QString text = response.getText(path);
+            const QString found = QString::number(response.getAll(path).size()) + ' ' +
+                                  (text.isNull() ? "null" : text);
+            QCOMPARE(prefix + path + ": " + found, prefix + path + ": " + expected);
+            QCOMPARE(response.get(path).isValid(), !text.isNull());
+        }
     }
 
     void startsAnywhere() {
@@ -168,12 +147,11 @@ private slots:
         const QByteArray noElements = "<!--<a>--><?a <a>?><![CDATA[<a>]]><a b='/>' c=\">\"/>";
         const QByteArray noEnds = "<!--></a>--><?a?</a>?><![CDATA[]></a>]]><a b='/>' c=\"</a>\">";
         QTest::newRow("nothing") << QByteArray() << "1:";
-        QTest::newRow("no markup") << QByteArray("a\nb") << "1:";
-        QTest::newRow("cut off") << QByteArray("<R>\n<V>1</V") << "2:";
-        QTest::newRow("two roots") << QByteArray("<R/>\n\n<R/>") << "3:";
+        QTest::newRow("cut off") << QByteArray("<R>\n<V a='1") << "2:";
+        QTest::newRow("only begun") << QByteArray("<?xml") << "1:";
+        QTest::newRow("end first") << QByteArray("</a><a/>") << "1:";
         QTest::newRow("deep") << nested(256) << none;
-        QTest::newRow("too deep") << nested(257) << "1:768";
-        QTest::newRow("very deep") << nested(300'000) << "1:768";
+        QTest::newRow("too deep") << nested(300'000) << "1:768";
         QTest::newRow("empty one too deep") << nested(256).insert(768, "\né<b/>") << "2:1";
         QTest::newRow("ends in texts")
             << "<R>" + noEnds.repeated(256)
@@ -182,8 +160,6 @@ private slots:
         QTest::newRow("attributes") << attributes512 + "/></b>" << none;
         QTest::newRow("attributes of two") << attributes512 + " d=''/></b>"
                                            << "2:0";
-        QTest::newRow("attributes of one") << "<a" + attributes(513) + "/>"
-                                           << "1:0";
         QTest::newRow("entities") << QByteArray("<!DOCTYPE a [<!ENTITY b 'c'>]><a>&b;</a>")
                                   << "1:0";
         QTest::newRow("external") << QByteArray("<!DOCTYPE a SYSTEM '[>'><a>&b;</a>") << none;
@@ -193,7 +169,7 @@ private slots:
         QTest::newRow("byte order mark")
             << "\xEF\xBB\xBF" + QByteArray(declared).replace('%', "utf-8") << none;
         QTest::newRow("Latin-1") << QByteArray(declared).replace('%', "ISO-8859-1") << none;
-        for (const char* encoding : {"UTF-7", "IBM037", "ISO-2022-JP", "UTF-8' encoding='IBM037"})
+        for (const char* encoding : {"UTF-7", "UTF-8' encoding='IBM037"})
             QTest::newRow(encoding) << QByteArray(declared).replace('%', encoding) << "1:0";
         QTest::newRow("version") << QByteArray("<?xml version='2'?><a/>") << "1:";
     }

@@ -1,32 +1,25 @@
 #pragma once
 
 #include <openssl/pem.h>
+#include <pylon/security/opensslpointers.h>
 
 #include <QtCore/QByteArray>
 
-#include <memory>
-
-template <auto Free>
-struct FreeBy {
-    void operator()(auto* handle) const { Free(handle); }
-};
-template <class T, auto Free>
-using Handle = std::unique_ptr<T, FreeBy<Free>>;
-using Key = Handle<EVP_PKEY, EVP_PKEY_free>;
+using Key = std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)>;
 
 /// What @p write, given a BIO, puts into it.
 QByteArray written(auto write) {
-    const Handle<BIO, BIO_free> bio(BIO_new(BIO_s_mem()));
+    const std::unique_ptr<BIO, decltype(&BIO_free)> bio(BIO_new(BIO_s_mem()), BIO_free);
     write(bio.get());
-    QByteArray bytes(BIO_pending(bio.get()), '\0');
-    BIO_read(bio.get(), bytes.data(), int(bytes.size()));
-    return bytes;
+    char* bytes = nullptr;
+    const long size = BIO_get_mem_data(bio.get(), &bytes);
+    return QByteArray(bytes, size);
 }
 
 /// A certificate that is valid from and to a number of days from now.
 inline QByteArray certificate(const char* name, const Key& key, const char* issuer,
                               const Key& issuerKey, int from = -1, int to = 1) {
-    const Handle<X509, X509_free> x509(X509_new());
+    const pylon::CryptoTools::X509Pointer x509(X509_new());
     const auto setName = [](X509_NAME* field, const char* text) {
         X509_NAME_add_entry_by_txt(field, "CN", MBSTRING_ASC, (const uchar*)text, -1, -1, 0);
     };

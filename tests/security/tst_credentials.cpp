@@ -42,6 +42,7 @@ private slots:
             QVERIFY(fresh != encodePassword(QString::fromUtf8(password)));
         }
         QCOMPARE(hashOf(QByteArray("abc"), "x").left(9), u"abc\0\0\0\0\0:"_qs);
+        QCOMPARE(hashOf(nullptr, "x").left(9), u"\0\0\0\0\0\0\0\0:"_qs);
     }
 
     // python3 -c 'import hashlib, base64; u, p, s, k = "guard", "secret", "c2FsdHNh", "key"
@@ -69,7 +70,8 @@ private slots:
                 QVERIFY(!passwordsAreEqual(wrong, user, password) &&
                         !credentialMatches(wrong, user, password, key));
         }
-        QVERIFY(!passwordsAreEqual(":", "", "") && !credentialMatches(":", "", ""));
+        for (const QString half : {"", ":"})
+            QVERIFY(!passwordsAreEqual(half, "", "") && !credentialMatches(half, "", ""));
     }
 
     void drawsSalts() {
@@ -149,6 +151,7 @@ private slots:
             {"9223372036854775808", 0x3032373333323239, false}};
         for (const auto& [text, uid, isValid] : rows)
             expect(text, text, uid, isValid);
+        QVERIFY(!tryServerUIDFromString("ABCDEFG" + QString(QChar(0xD800))));
     }
 };
 

@@ -57,7 +57,8 @@ class TestCryptoTools : public QObject {
     Q_OBJECT
 
     const QSharedPointer<Recorder> device = QSharedPointer<Recorder>::create();
-    const Key rsa{EVP_RSA_gen(2048)}, longRsa{EVP_RSA_gen(4096)}, ec{EVP_EC_gen("P-256")};
+    const Key rsa{EVP_RSA_gen(2048), EVP_PKEY_free}, longRsa{EVP_RSA_gen(4096), EVP_PKEY_free};
+    const Key ec{EVP_EC_gen("P-256"), EVP_PKEY_free};
     const QTemporaryDir folder;
     QString path;
     CryptoError error;
@@ -144,6 +145,16 @@ private slots:
         QVERIFY(moved.toString() == error.toString() && moved.errorId() == error.errorId());
         error.reset();
         QVERIFY(error.hasError() && error.errorId() == 0 && error.toString().isEmpty());
+        QVERIFY(CryptoError(0).hasError() && CryptoError(-7).errorId() == -7);
+    }
+
+    void logsLevels() {
+        writeFile(pemOf(rsa));
+        LogManager::instance()->setLogLevel(Error);
+        expectKey(PEM, "1 ", "");
+        expectKey(DER, "0 CM 2", "");
+        QCOMPARE(run([] { return checkX509Certificate("", "", nullptr); }), "0 AS");
+        LogManager::instance()->setLogLevel(maxLogLevel());
     }
 
     void decrypts() {
@@ -157,13 +168,13 @@ private slots:
             const auto decrypt = [&] { return RSAPrivateDecrypt(size, from, to, with, padding); };
             QCOMPARE(run(decrypt), QByteArray::number(result) + " d");
         };
-        for (const int size : {257, 0, -1})
-            expect(-1, size, code, out, full, RSA_NO_PADDING);
+        expect(-1, 0, code, out, full, RSA_NO_PADDING);
+        expect(-1, -1, code, out, full, RSA_NO_PADDING);
         expect(-1, 256, nullptr, out, full, RSA_NO_PADDING);
         expect(-1, 256, code, nullptr, full, RSA_NO_PADDING);
         expect(-1, 256, code, out, nullptr, RSA_NO_PADDING);
         expect(-1, 256, code, out, open.get(), RSA_PKCS1_OAEP_PADDING);
-        expect(-1, 256, code, out, full, RSA_PKCS1_PADDING);
+        expect(256, 256, code, out, full, RSA_NO_PADDING);
         expect(5, 256, code, out, full, RSA_PKCS1_OAEP_PADDING);
         QCOMPARE(QByteArrayView(out, 5), "plain");
     }
@@ -175,8 +186,6 @@ private slots:
         const QByteArray other = certificate("other", ec, "other", ec);
         const QByteArray middle = certificate("middle", ec, "root", rsa);
         const QByteArray end = certificate("end", rsa, "middle", ec);
-        const QByteArray expired = certificate("end", rsa, "root", rsa, -3, -2);
-        const QByteArray early = certificate("end", rsa, "root", rsa, 2, 3);
         // Server, authority, what comes of the check against this, of the one against itself, and
         // of the question whether it is self-signed.
         using Row = std::array<QByteArray, 5>;
@@ -185,10 +194,7 @@ private slots:
             {other, root, "0 cppvVWZ 18", "1 cpspvY", "1 sp"},
             {oldRoot, oldRoot, "0 cppvVWZ 10", "0 cpspvVWZ 10", "1 sp"},
             {middle, root, "1 cppvY", "0 cpspvVWZ 20", "0 sp"},
-            {middle, other, "0 cppvVWZ 20", "0 cpspvVWZ 20", "0 sp"},
             {middle, impostor, "0 cppvVWZ 7", "0 cpspvVWZ 20", "0 sp"},
-            {expired, root, "0 cppvVWZ 10", "0 cpspvVWZ 20", "0 sp"},
-            {early, root, "0 cppvVWZ 9", "0 cpspvVWZ 20", "0 sp"},
             {end, middle, "0 cppvVWZ 2", "0 cpspvVWZ 20", "0 sp"},
             {"first\n" + root + "last" + middle, root, "1 cppvY", "1 cpspvY", "1 sp"},
             {QByteArray(), root, "0 c", "0 c", "2 s"}};
