@@ -55,7 +55,7 @@ public:
     unsigned int submods() const { return submods_; }
     /// Moment of logging.
     const Timestamp& timestamp() const { return timestamp_; }
-    /// Display name of the module; static text.
+    /// Display name of the module; static text, null for a finished line.
     const char* moduleName() const { return moduleName_; }
     /// The full signature of the calling function, or its plain name; see usePrettyFunction().
     const char* function() const { return use_pretty_function_ ? prettyFunction_ : function_; }

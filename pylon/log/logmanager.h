@@ -111,7 +111,8 @@ public:
     /// @name Filters
     /// @{
 
-    /// Enables just what a filter text names; see LogFilter for the grammar.
+    /// Enables just what a filter text names; see LogFilter for the grammar, and for the overlong
+    /// names that end the process.
     /// @param[in,out] error receives the unknown names; may be null.
     /// @return false for a text with an unknown name, which changes nothing.
     bool setFilter(const QString& filter, QString* error);

@@ -11,6 +11,7 @@
 
 namespace pylon {
 
+const int Timestamp::FMTBUF_SIZE;
 int Timestamp::last_secs_ = 0;
 char Timestamp::last_buf[FMTBUF_SIZE] = {};
 QMutex Timestamp::mutex_;

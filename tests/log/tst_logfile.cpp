@@ -183,14 +183,6 @@ private slots:
         QCOMPARE(messages(path).constLast(), "later");
     }
 
-    void diskIsFull() {
-        path = "/dev/full";
-        if (!QFile::exists(path))
-            QSKIP("no device that is always full");
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("sequential device"));
-        write(*open(QIODevice::Append, false), Messages(100, QByteArray(100'000, 'x')));
-    }
-
     // Wants a small volume of its own: PYLON_SMALL_DISK names a folder on one of a few MiB.
     void diskFillsAndEmpties() {
         const QString disk = qEnvironmentVariable("PYLON_SMALL_DISK");

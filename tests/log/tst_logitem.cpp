@@ -26,16 +26,6 @@ struct Suffix : LogTagHook {
     const char* text;
 };
 
-unsigned processId() {
-    return static_cast<unsigned>(QCoreApplication::applicationPid());
-}
-
-// On Linux the main thread's number in the kernel is the process's.
-unsigned threadId() {
-    return QSysInfo::kernelType() == "linux" ? processId()
-                                             : unsigned(quintptr(QThread::currentThreadId()));
-}
-
 }  // namespace
 
 /// What items look like, and how calls of the macros and messages of Qt become such.
@@ -61,32 +51,35 @@ private slots:
         device->items.clear();
     }
 
-    // The bytes of the printf formats that the columns are defined by, in a buffer of 512 bytes.
+    // The bytes of the printf formats that the columns are defined by, in a buffer of 512 bytes;
+    // a row for each level.
     void linesMatchPrintf() {
+        const auto process = unsigned(QCoreApplication::applicationPid());
+        // On Linux the main thread's number in the kernel is the process's.
+        const auto thread = QSysInfo::kernelType() == "linux"
+                                ? process
+                                : unsigned(quintptr(QThread::currentThreadId()));
         const QByteArray x(600, 'x');
-        const struct {
-            int level;
-            const char* levelText;
-            QByteArray module, function, context, message;
-        } rows[] = {{Info, "INFO", "Network", "void f()", "", "message"},
-                    {Debug, "DEBUG", "Network", "void f()", "camera 7", "message"},
-                    {Trace, "TRACE", x.left(10), x.left(40), x.left(25), ""},
-                    {Warn, "WARN", x.left(11), x.left(41), x.left(26), x.repeated(10)},
-                    {Error, "ERROR", x, "f", "c", "after"},
-                    {Timing, "TIME", x.left(400), x.left(60), "c", "after"},
-                    {Startup, "START", "Gui", "fäääääääääääääääääääääääää", "cöööööööööööööö", "ü"},
-                    {Graphics, "GRAPH", "Test", "f", "", "message"},
-                    {0, "BADLEVEL", "Gui", "f", "", "message"},
-                    {3, "BADLEVEL", "Gui", "f", "", "message"}};
-        for (const auto& [level, levelText, module, function, context, message] : rows) {
+        const QByteArray rows[][5] = {
+            {"TRACE", x.left(10), x.left(40), x.left(25), ""},
+            {"DEBUG", "Network", "void f()", "camera 7", "message"},
+            {"INFO", "Network", "void f()", "", "message"},
+            {"WARN", x.left(11), x.left(41), x.left(26), x.repeated(10)},
+            {"ERROR", x, "f", "c", "after"},
+            {"TIME", x.left(400), x.left(60), "c", "after"},
+            {"START", "Gui", "fäääääääääääääääääääääääää", "cöööööööööööööö", "ü"},
+            {"GRAPH", "Test", "f", "", "message"},
+            {"BADLEVEL", "Gui", "f", "", "message"}};
+        unsigned level = 1;
+        for (const auto& [levelText, module, function, context, message] : rows) {
             const bool isTest = module == "Test";
             const auto* object = reinterpret_cast<const void*>(std::uintptr_t{0xABC1234567});
             const LogItem item(LogLevel(level), isTest ? Test : Network, 256, module, "plain",
                                function, object, context, message);
             char time[64], head[512], tail[512];
             item.timestamp().toDefaultString(time, sizeof time);
-            std::snprintf(head, 512, "[%s][%5s][%10s][P:%04x][T:%04x]", time, levelText,
-                          module.data(), processId() & 0xFFFF, threadId() & 0xFFFF);
+            std::snprintf(head, 512, "[%s][%5s][%10s][P:%04x][T:%04x]", time, levelText.data(),
+                          module.data(), process & 0xFFFF, thread & 0xFFFF);
             std::snprintf(tail, 512, context.isEmpty() ? "%28s%-40.40s: " : "[%25.25s] %-40.40s: ",
                           context.data(), function.data());
             const QByteArray text = (QByteArray(head) + tail).left(511);
@@ -94,6 +87,7 @@ private slots:
             const QByteArray arrow(isTest ? "----------------------------> " : "");
             QCOMPARE(item.toCString(), bytes + arrow + message);
             QCOMPARE(item.toString(), QString(arrow) + (isTest ? " " : "") + text + message);
+            level *= 2;
         }
     }
 
@@ -105,18 +99,14 @@ private slots:
         QVERIFY(LogItem(QString()).toCString().startsWith("[][ INFO][    (null)]"));
     }
 
-    void functionNameCanBeChosen() {
+    void namesAndDumps() {
         const LogItem pretty(Info, Gui, 256, "Gui", "plain", "int full()", nullptr, {}, {});
         const LogItem copy(pretty);
         QVERIFY(pretty.toString().contains(" int full() "));
         LogItem::usePrettyFunction(false);
         QVERIFY(pretty.toString().contains(" int full() ") && copy.toString().contains(" plain "));
         LogItem::usePrettyFunction(true);
-    }
-
-    void texts() {
-        QVERIFY(logLevelToString(Info) == "Information" &&
-                logLevelToString(LogLevel(12)) == "Unknown");
+        QCOMPARE(logLevelToString(Info) + logLevelToString(LogLevel(12)), "InformationUnknown");
         QCOMPARE(printByteArray({}) + printByteArray(QByteArray("\0\x01\xAB", 3)), "00 01 ab ");
     }
 
@@ -124,17 +114,16 @@ private slots:
         PLOG_INFO(client, this, "plain");
         PLOG_WARN(client, this, "%s=%d", "x", 5);
         PLOG_INFO(client, this, 8192, "sub %.2f%c", 1.5, '!');
-        QCOMPARE(device->items[0].object(), static_cast<const void*>(this));
-        QVERIFY(QByteArray(device->items[0].function()).contains("TestLogItem::formsOfACall"));
-        QCOMPARE(takeItems(),
-                 "4 Network 256 [] plain, 8 Network 256 [] x=5, 4 Network 8192 [] sub 1.50!");
-        PLOG_INFO(client, nullptr, Sub::Stream);
-        PLOG_INFO(client, nullptr, Sub::Stream, "enum");
+        PLOG_INFO(client, this, Sub::Stream);
+        PLOG_INFO(client, this, Sub::Stream, "enum");
         // A format that is missing or cannot be carried out costs the message, not the line.
         for (const Arg& first : {Arg(static_cast<const char*>(nullptr)), Arg()})
             client.log(Info, "f", "f", nullptr, first, Arg(), "DUMMY_STR");
+        QCOMPARE(device->items[0].object(), static_cast<const void*>(this));
+        QVERIFY(QByteArray(device->items[0].function()).contains("TestLogItem::formsOfACall"));
         QCOMPARE(
             takeItems(),
+            "4 Network 256 [] plain, 8 Network 256 [] x=5, 4 Network 8192 [] sub 1.50!, "
             "4 Network 2048 [] , 4 Network 2048 [] enum, 4 Network 256 [] , 4 Network 256 [] ");
     }
 
@@ -156,7 +145,7 @@ private slots:
     }
 
     void messagesArriveWhole() {
-        for (const int length : {0, 1, 1022, 1023, 1024, 1025, 1026, 4096, 1 << 20}) {
+        for (const int length : {0, 1023, 1024, 1025, 1 << 20}) {
             const QByteArray text = QByteArray("0123456789abc").repeated(length).left(length);
             PLOG_INFO(client, this, "%s", text.constData());
             PLOG_INFO(client, this, 512, "%s", text.constData());

@@ -80,21 +80,22 @@ private slots:
     // Functions with an output argument report an unstarted QElapsedTimer, whatever start() did.
     void unstartedReadings() {
         using Nano = NanoElapsedTimer;
-        const auto isThat = [](double msecs) {
-            return qAbs(msecs - double(QElapsedTimer().elapsed())) < 60'000;
+        const auto isThat = [](long long msecs) {
+            return qAbs(msecs - QElapsedTimer().elapsed()) < 60'000;
         };
-        const Nano unstarted;
         Nano timer;
         timer.start();
+        int rest = 1, unit = 1;
         for (const auto read : {&Nano::elapsedSecsPlusMSecs, &Nano::elapsedSecsPlusUSecs,
                                 &Nano::elapsedSecsPlusNSecs}) {
-            int rest = 0;
-            QVERIFY(isThat(double((timer.*read)(rest)) * 1e3) && rest != 0);
+            QVERIFY(isThat((timer.*read)(rest)*1000 + rest / unit) && rest % unit == 0);
+            unit *= 1000;
         }
-        int rest = 1;
-        QVERIFY(isThat(double(timer.elapsedMSecsPlusNSecs(rest))) && rest == 0);
-        timer = unstarted;
-        QVERIFY(timer.resolution() == 1'000'000 && isThat(double(timer.elapsedMSecs())));
+        QVERIFY(isThat(timer.elapsedMSecsPlusUSecs(rest)) && rest == 0);
+        long long usecs, nsecs;
+        QVERIFY(isThat(timer.elapsed(usecs, nsecs)) && isThat(usecs / 1000) && nsecs % 1000 == 0);
+        timer = Nano();
+        QVERIFY(timer.resolution() == 1'000'000 && isThat(timer.elapsedMSecs()));
     }
 
     void dispatchTimes() {
@@ -115,17 +116,13 @@ private slots:
     }
 
     void stampsRenderLocalTime() {
-        for (const ptimeval moment :
-             {ptimeval{base, 42}, ptimeval{base, 999'999}, ptimeval{base + 1, 0},
-              ptimeval{base - 40'000'000, 500'000}, ptimeval{1, 1}, ptimeval{4'102'444'800, 7}})
+        for (const ptimeval moment : {ptimeval{base, 42}, ptimeval{base, 999'999},
+                                      ptimeval{base - 40'000'000, 500'000}, ptimeval{1, 1}})
             QCOMPARE(rendered(moment), reference(moment));
         // At most so many characters, with a terminator where there is room for it.
         const QByteArray text = reference({base, 123'456});
-        const std::tuple<int, int, QByteArray> rows[] = {{0, -1, ""},
-                                                         {1, -1, text.left(1)},
-                                                         {14, -1, text.left(14)},
-                                                         {15, 15, text},
-                                                         {16, 15, text + '\0'}};
+        const std::tuple<int, int, QByteArray> rows[] = {
+            {0, -1, ""}, {14, -1, text.left(14)}, {15, 15, text}, {16, 15, text + '\0'}};
         for (const auto& [size, result, written] : rows) {
             QByteArray buffer(18, '#');
             QCOMPARE(Timestamp(ptimeval{base, 123'456}).toDefaultString(buffer.data(), size),
@@ -146,7 +143,6 @@ private slots:
         // The low 32 bits decide: a second that shares them takes the text that is there.
         QCOMPARE(rendered({base + 7 + (1LL << 32), 12}), "cached 000012");
         QCOMPARE(rendered({base + 8, 12}), reference({base + 8, 12}));
-        QCOMPARE(Timestamp::last_secs_, int(base + 8));
     }
 
     void elapsedTimesFollowTheFields() {

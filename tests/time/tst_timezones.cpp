@@ -5,6 +5,7 @@
 #include <QtCore/QLocale>
 #include <QtTest/QTest>
 
+#include <array>
 #include <climits>
 #include <sstream>
 
@@ -18,14 +19,9 @@ namespace {
 QString describe(std::initializer_list<TimeZone> zones) {
     QStringList texts;
     for (const TimeZone& zone : zones)
-        texts += QString::asprintf("%d %d %s %s", zone.offset(), zone.abbrevation().index(),
-                                   zone.name().c_str(), zone.isServerTimeZone() ? "server" : "")
-                     .simplified();
+        texts += QString::asprintf("%d %d %s%s", zone.offset(), zone.abbrevation().index(),
+                                   zone.name().c_str(), zone.isServerTimeZone() ? "server" : "");
     return texts.join(", ");
-}
-
-QByteArray sha1(const std::ostringstream& text) {
-    return QCryptographicHash::hash(text.str(), QCryptographicHash::Sha1).toHex();
 }
 
 }  // namespace
@@ -34,10 +30,10 @@ class TestTimeZones : public QObject {
     Q_OBJECT
 
 private slots:
-    // Digests: servers send the index of an abbreviation, peers know each row of the catalogue, and
-    // both lists are fixed, odd spellings included.
+    // A digest: servers send the index of an abbreviation, peers know each row of the catalogue,
+    // and both lists are fixed, odd spellings included.
     void lists() {
-        std::ostringstream texts, rows;
+        std::ostringstream lists;
         for (int index = 0; index <= UCHAR_MAX; ++index) {
             const std::string text = TimeZoneAbbrevation(index).to_string();
             TimeZoneAbbrevation set, found(7);
@@ -45,13 +41,14 @@ private slots:
             QCOMPARE(set.c_str(), text.c_str());
             QCOMPARE(found.trySetFromString(text.c_str()), !text.empty());
             QCOMPARE(TimeZoneAbbrevation(text), found);
-            texts << int{set.index()} << ' ' << text << ' ' << int{found.index()} << '\n';
+            lists << int{set.index()} << ' ' << text << ' ' << int{found.index()} << '\n';
         }
-        QCOMPARE(sha1(texts), "84d1271e9bd32af226ac6267b68de093f61aace9");
         for (auto it = TimeZones::begin(); it != TimeZones::end(); ++it)
-            rows << it.key() << '\t' << int{it.index()} << '\t' << int{it.offset()} << '\t'
-                 << it.fullName() << '\t' << it.continent() << '\n';
-        QCOMPARE(sha1(rows), "fcf11f90dc9b0698d671ec2020260d5bb1012606");
+            lists << it.key() << '\t' << int{it.index()} << '\t' << int{it.offset()} << '\t'
+                  << it.fullName() << '\t' << it.continent() << '\n';
+        QCOMPARE(QCryptographicHash::hash(lists.str(), QCryptographicHash::Sha1).toHex(),
+                 "55a12c6d7ba3d122976b71527cd0831c1ff506cf");
+        QCOMPARE(TimeZones::find("CST").fullName(), std::string("Central Standard Time"));
     }
 
     void unknownZones() {
@@ -68,66 +65,54 @@ private slots:
     void overloads() {
         const signed char five = 5;
         const std::string text("CET"), fullName("Newfoundland D");
-        QCOMPARE(describe({TimeZone(), TimeZone(ServerTimeZone()),
-                           TimeZone(-128, TimeZoneAbbrevation(21))}),
-                 "0 0 UTC, 0 0 server, -128 21");
-        QCOMPARE(describe({TimeZone(127, "CET"), TimeZone(0, "CET"), TimeZone(0, text),
-                           TimeZone(five, nullptr)}),
-                 "127 0 CET, 0 0 CET, 0 0 CET, 5 0");
-        QCOMPARE(describe({TimeZone(5, 2), TimeZone(five, five), TimeZone(5, 0), TimeZone(5, 0L)}),
-                 "22 0, 25 0, 20 0, 20 0");
-        QCOMPARE(describe({TimeZone("CET", "Cuba S"), TimeZone(text, fullName),
-                           TimeZone("CET", "Central")}),
-                 "-20 0 CET, -10 0 CET, 0 0");
+        QCOMPARE(describe({TimeZone(), ServerTimeZone(), TimeZone(-128, TimeZoneAbbrevation(21))}),
+                 "0 0 UTC, 0 0 server, -128 21 ");
+        QCOMPARE(describe({TimeZone(127, "CET"), TimeZone(0, text), TimeZone(five, nullptr)}),
+                 "127 0 CET, 0 0 CET, 5 0 ");
+        QCOMPARE(describe({TimeZone(five, five), TimeZone(5, 0), TimeZone(5, 0L)}),
+                 "25 0 , 20 0 , 20 0 ");
+        QCOMPARE(describe({{"CET", "Cuba S"}, {text, fullName}, {"CET", "Central"}}),
+                 "-20 0 CET, -10 0 CET, 0 0 ");
     }
 
     void hoursAndQuarters() {
-        const struct {
-            signed char hours, offset;
-            int quarters;
-        } rows[] = {{5, 22, 2},   {-3, -14, 2},  {0, -2, 2},   {0, 2, -2},
-                    {23, 95, 3},  {-23, -95, 3}, {23, 96, 4},  {-23, -96, 4},
-                    {24, 127, 0}, {-24, 127, 1}, {1, 48, 300}, {0, 0, INT_MIN}};
-        for (const auto& [hours, offset, quarters] : rows) {
-            TimeZone zone(hours, quarters);
+        const std::array<int, 3> rows[] = {
+            {5, 2, 22},  {-3, 2, -14},  {0, 2, -2},   {0, -2, 2},    {23, 3, 95},  {-23, 3, -95},
+            {23, 4, 96}, {-23, 4, -96}, {24, 0, 127}, {-24, 1, 127}, {1, 300, 48}, {0, INT_MIN, 0}};
+        for (const auto& [hours, quarters, offset] : rows) {
+            TimeZone zone(static_cast<signed char>(hours), quarters);
             QCOMPARE(zone.offset(), offset);
             QCOMPARE(zone.isValid(), offset >= -95 && offset <= 95);
             zone.setServerTimeZone(true);
-            QVERIFY(zone.isValid() && TimeZone(offset, "X").isValid());
-            zone.setOffset(hours, quarters);
+            QVERIFY(zone.isValid() && TimeZone(zone.offset(), "X").isValid());
+            zone.setOffset(static_cast<signed char>(hours), quarters);
             QVERIFY(!zone.isServerTimeZone() && zone.offset() == (offset == 127 ? 0 : offset));
         }
     }
 
     // The catalogue is asked for the name that the zone had before.
     void setName() {
-        const struct {
-            TimeZone zone;
-            const char *abbrevation, *fullName, *description;
-        } rows[] = {{TimeZone(), "CET", "", "0 0 CET"},
-                    {TimeZone(9, "CST"), "EST", "Cuba", "-20 0 EST"},
-                    {TimeZone(9, TimeZoneAbbrevation(7)), "CET", "Cuba S", "-20 7 CET"},
-                    {TimeZone(9, "CST"), "CET", "", "9 0 CST"},  // ambiguous
-                    {TimeZone(9, "NST"), "CET", "Central", "9 0 NST"},
-                    {TimeZone(9, "NST"), "", "Newfoundland", "9 0 NST"}};
+        const std::tuple<TimeZone, const char*, const char*, QString> rows[] = {
+            {{}, "CET", "", "0 0 CET"},
+            {{9, "CST"}, "EST", "Cuba", "-20 0 EST"},
+            {{9, TimeZoneAbbrevation(7)}, "CET", "Cuba S", "-20 7 CET"},
+            {{9, "CST"}, "CET", "", "9 0 CST"},  // ambiguous
+            {{9, "NST"}, "CET", "Central", "9 0 NST"},
+            {{9, "NST"}, "", "Newfoundland", "9 0 NST"}};
         for (const auto& [before, abbrevation, fullName, description] : rows) {
-            TimeZone zone = before;
-            const bool changed = zone.setName(abbrevation, fullName);
-            QCOMPARE(changed, zone != before);
-            QCOMPARE(describe({zone}), description);
+            TimeZone zone = before, target;
+            QCOMPARE(zone.setName(abbrevation, fullName), description != describe({before}));
+            TimeZone moved(std::move(zone));
+            target = std::move(moved);
+            QCOMPARE(describe({target}), description);
+            QVERIFY(!zone.isValidName() && !moved.isValidName());
         }
-        TimeZone zone(9, TimeZoneAbbrevation(7)), target;
-        QVERIFY(zone.setName("CET", "Cuba S"));
-        const TimeZone copy = zone;
-        TimeZone moved(std::move(zone));
-        target = std::move(moved);
-        QVERIFY(target == copy && !zone.isValidName() && !moved.isValidName());
     }
 
     void lookUps() {
         const std::tuple<const char*, const char*, std::string> rows[] = {
+            {"NST", "", "-14 Newfoundland Standard Time"},
             {"BRT", "Bras\xc3\xadlia time", "-12 Bras\xc3\xadlia time"},
-            {"IST", "I", "126 India Standard Time"},
             {"CST", "", "126 Cuba Standard Time"},
             {"CST", "China", "32 China Standard Time"},
             {"LHST", "", "126 Lord Howe Standard Time"},
@@ -141,8 +126,6 @@ private slots:
             const int offset = TimeZones::timeZoneOffset(abbrevation, fullName);
             QCOMPARE(std::to_string(offset) + ' ' + fullName, result);
         }
-        QCOMPARE(int{TimeZones::timeZoneOffset("NST")}, -14);
-        QCOMPARE(TimeZones::find("CST").fullName(), std::string("Central Standard Time"));
     }
 
     // The flags stay set on the caller's stream, on purpose.
@@ -165,50 +148,43 @@ private slots:
     }
 
     void ticks() {
-        const struct {
-            qint64 time300, msecs, back;
-        } rows[] = {{1, 3, 0},           {2, 6, 1},
-                    {3, 10, 3},          {-1, -3, 0},
-                    {-4, -13, -3},       {302, 1006, 301},
-                    {-599, -1996, -598}, {0xFFFF'FFFF'FFFF, 938'249'922'368'850, 0xFFFF'FFFF'FFFF}};
         const QTimeZone zone(5 * 3600 + 1800);
+        const std::array<long long, 3> rows[] = {
+            {302, 1006, 301},
+            {-4, -13, -3},
+            {0xFFFF'FFFF'FFFF, 938'249'922'368'850, 0xFFFF'FFFF'FFFF}};
         for (const auto& [time300, msecs, back] : rows) {
             const QDateTime utc = time300ToDateTimeUTC(time300);
             const QDateTime zoned = time300ToDateTime(time300, zone);
             QVERIFY(zoned == utc && zoned.timeZone() == zone && utc.timeZone() == QTimeZone::utc());
             QCOMPARE(zoned.toMSecsSinceEpoch(), msecs);
-            QCOMPARE(toMSecs(time300), msecs);
             QCOMPARE(dateTimeToTime300(zoned), back);
         }
         // The largest tick count whose milliseconds fit 64 bits, and one beyond, which wraps.
         QCOMPARE(toMSecs(LLONG_MAX / 10 * 3 + 2), LLONG_MAX - 1);
         QCOMPARE(toMSecs(LLONG_MIN), static_cast<long long>(3ULL * LLONG_MIN + LLONG_MIN / 3));
+    }
+
+    void texts() {
+        const std::tuple<quint64, TimeZone, const char*> rows[] = {
+            {1'700'000'000'000, {5, 2}, "2023-11-15 03:43 UTC"},
+            {ULLONG_MAX, {5, 2}, "1970-01-01 05:29 UTC"},
+            {0, {95, "CET"}, "1970-01-01 23:45 UTC"},  // not by name
+            {0, {96, "NST"}, "1969-12-31 20:30 UTC"},
+            {0, {127, "CST"}, "1970-01-01 00:00 UTC"},  // ambiguous
+            {0, {127, TimeZoneAbbrevation(21)}, "1970-01-01 00:00 UTC"}};
+        for (const auto& [msecs, zone, text] : rows)
+            QCOMPARE(msecsToString(msecs, "yyyy-MM-dd HH:mm t", zone), text);
         const QString local = QDateTime::fromMSecsSinceEpoch(-1003).toString("HH:mm:ss.zzz t");
         QCOMPARE(toString(-301, "HH:mm:ss.zzz t", false), local);
         QCOMPARE(toString(-301, "HH:mm:ss.zzz t", true), local + " -301");
-    }
-
-    void zoneText() {
-        const std::tuple<quint64, TimeZone, const char*> rows[] = {
-            {1'700'000'000'000, TimeZone(5, 2), "2023-11-15 03:43 UTC"},
-            {ULLONG_MAX, TimeZone(5, 2), "1970-01-01 05:29 UTC"},
-            {0, TimeZone(-95, ""), "1969-12-31 00:15 UTC"},
-            {0, TimeZone(95, "CET"), "1970-01-01 23:45 UTC"},  // not by name
-            {0, TimeZone(96, "NST"), "1969-12-31 20:30 UTC"},
-            {0, TimeZone(127, "CST"), "1970-01-01 00:00 UTC"},  // ambiguous
-            {0, TimeZone(127, TimeZoneAbbrevation(21)), "1970-01-01 00:00 UTC"},
-            {0, TimeZone(ServerTimeZone()), "1970-01-01 00:00 UTC"}};
-        for (const auto& [msecs, zone, text] : rows)
-            QCOMPARE(msecsToString(msecs, "yyyy-MM-dd HH:mm t", zone), text);
-    }
-
-    void formats() {
         const auto restore = qScopeGuard([before = QLocale()] { QLocale::setDefault(before); });
         QLocale::setDefault(QLocale("de_DE"));
-        QCOMPARE(dateTimeFormat() + '|' + dateTimeFormatWithMs() + '|' + arabicDateFormat(),
-                 "dd.MM.yy HH:mm:ss|dd.MM.yy HH:mm:ss.zzz|yyyy/MM/dd");
-        QCOMPARE(arabicDateTimeFormat() + '|' + arabicDateTimeFormatWithMs(),
-                 "ss:mm:HH yyyy/MM/dd|zzz.ss:mm:HH yyyy/MM/dd");
+        const QStringList formats = {dateTimeFormat(), dateTimeFormatWithMs(), arabicDateFormat(),
+                                     arabicDateTimeFormat(), arabicDateTimeFormatWithMs()};
+        QCOMPARE(formats.join('|'),
+                 "dd.MM.yy HH:mm:ss|dd.MM.yy HH:mm:ss.zzz|yyyy/MM/dd|ss:mm:HH yyyy/MM/dd|"
+                 "zzz.ss:mm:HH yyyy/MM/dd");
     }
 };
 
