@@ -179,11 +179,15 @@ void LogFile::setRotateFile(bool rotate) {
     rotate_ = rotate;
 }
 
+// Here and below, a warning that Qt has about the file must not come back to it: see
+// DeviceWriteScope.
+
 void LogFile::changeLogDir(const QString& dir) {
     const QFileInfo folder(dir);
     if (!folder.isDir() || !folder.isWritable())
         return;
     const QMutexLocker lock(&mutex_);
+    const DeviceWriteScope scope(*this);
     const QFileInfo file(fileName_);
     if (isSameFile(dir, file.absolutePath()))
         return;
@@ -195,9 +199,6 @@ void LogFile::changeLogDir(const QString& dir) {
     fileName_ = target;
     open(QIODevice::Append);
 }
-
-// From here on, a warning that Qt has about the file must not come back to it: see
-// DeviceWriteScope.
 
 bool LogFile::open(QIODevice::OpenMode mode) {
     const DeviceWriteScope scope(*this);

@@ -41,6 +41,7 @@ const struct {
     {[] { P_ASSERT(number > 1); }, failed.arg("number > 1").arg(__LINE__)},
     {[] { P_ASSERT_X(number > 1, "place", "what"); }, failedX.arg(__LINE__)},
     {[] { installQtMessageHandler(), QMessageLogger().fatal("bye"); }, "ERROR Qt : bye\n"},
+    {[] { LogManager::instance()->setFilter(QString(256, u'x'), nullptr); }, ""},
     {failNothing, warned.arg("pStaticAssertX") + "returned"}};
 
 /// In a process of its own, whose log file gathers lines in memory and whose console does not.

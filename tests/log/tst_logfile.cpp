@@ -2,10 +2,13 @@
 
 #include <pylon/log/logfile.h>
 #include <pylon/log/logmanager.h>
+#include <pylon/log/qtmessagehandler.h>
 #include <QtCore/QDir>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
+
+#include <thread>
 
 using namespace pylon::plog;
 
@@ -181,6 +184,30 @@ private slots:
         QVERIFY(QDir(older).removeRecursively());
         QTRY_VERIFY_WITH_TIMEOUT((write(*file, {"later"}), QFileInfo(older).isFile()), 30'000);
         QCOMPARE(messages(path).constLast(), "later");
+    }
+
+    // Warnings of Qt about the file neither come back to the device nor wait for it.
+    void warnsFromInside() {
+        const QtMessageHandler handlerOfQtTest =
+            qInstallMessageHandler([](auto, auto&, auto&) { flushFileDevices(); });
+        installQtMessageHandler();
+        const auto file = QSharedPointer<LogFile>::create("", QIODevice::Append, true);
+        LogManager::instance()->addLogDevice(file);
+        setFileDevicePath(other);
+        QVERIFY(!file->isOpen());
+        LogManager::instance()->clearLogDevices();
+        removeQtMessageHandler();
+        qInstallMessageHandler(handlerOfQtTest);
+    }
+
+    // The timer stays in the thread that made the device.
+    void endsOnAnotherThread() {
+        auto file = open(QIODevice::Truncate, false);
+        write(*file, {"first"});
+        std::thread([&] { file = open(QIODevice::Append, false); }).join();
+        write(*file, {"second"});
+        file.reset();
+        QCOMPARE(messages(path), Messages({"first", "second"}));
     }
 
     // Wants a small volume of its own: PYLON_SMALL_DISK names a folder on one of a few MiB.

@@ -101,7 +101,8 @@ private slots:
 
     void namesAndDumps() {
         const LogItem pretty(Info, Gui, 256, "Gui", "plain", "int full()", nullptr, {}, {});
-        const LogItem copy(pretty);
+        LogItem copy((QString()));
+        copy = pretty;
         QVERIFY(pretty.toString().contains(" int full() "));
         LogItem::usePrettyFunction(false);
         QVERIFY(pretty.toString().contains(" int full() ") && copy.toString().contains(" plain "));
@@ -194,10 +195,21 @@ private slots:
         PLOG_ERROR(client, this, "once");
         device->onWrite = nullptr;
         QCOMPARE(device->take(), Messages{"once"});
+        // A handler that came later stays, and may still call the one below it.
+        static QtMessageHandler below;
+        below =
+            qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context,
+                                      const QString& text) { below(type, context, '+' + text); });
+        removeQtMessageHandler();
+        qWarning("passed on");
+        qInstallMessageHandler(below);
+        installQtMessageHandler(Gui);
+        qWarning("logged");
+        QCOMPARE(device->take(), Messages{"logged"});
         removeQtMessageHandler();
         removeQtMessageHandler();
         qWarning("after removal");
-        QCOMPARE(previousHandlerGot.join(", "), "from the device, after removal");
+        QCOMPARE(previousHandlerGot.join(", "), "from the device, +passed on, after removal");
         qInstallMessageHandler(handlerOfQtTest);
     }
 };

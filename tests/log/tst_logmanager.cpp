@@ -213,6 +213,10 @@ private slots:
             manager->enabledSubmodules(Module(module)) = module;
         manager->enabledSubmodules(stranger.module()) = 256;
         QVERIFY(stranger.isEnabled(256) && !stranger.isEnabled(512));
+        static LogManager& copy = *new LogManager(*manager);  // that nobody may delete
+        manager->unsetAll();
+        manager->enabledSubmodules(stranger.module()) = 0;
+        *manager = copy;
         PLOG_ERROR(stranger, this, "let through");
         manager->enabledModules() &= ~0x80000000;
         QVERIFY(!stranger.isEnabled(256) && qstrcmp(stranger.name(), "Unknown") == 0);

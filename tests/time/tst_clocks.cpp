@@ -1,3 +1,4 @@
+#include <pylon/log/logitem.h>
 #include <pylon/time/elapsedtimer.h>
 #include <pylon/time/nanoelapsedtimer.h>
 #include <pylon/time/renderingtimings.h>
@@ -56,7 +57,9 @@ private slots:
         copy.setTime(TimePoint5);
         timer.stop();
         const NanoElapsedTimer nanoCopy(nano);
-        moved = std::move(nano);
+        moved.start();
+        moved = nanoCopy;
+        moved = NanoElapsedTimer(std::move(nano));
         const double msecs[] = {double(moved.elapsed()),
                                 double(moved.elapsedUSecs()) / 1e3,
                                 double(nanoCopy.elapsedNSecs()) / 1e6,
@@ -74,6 +77,8 @@ private slots:
         QVERIFY(timer.getElapsedTimeInMilliSec() == msecs[6] && copy.time(TimePoint(3)) == 0);
         timer.start();
         QVERIFY(timer.getElapsedTimeInMicroSec() >= 0);  // no longer stopped
+        elapsed.invalidate();
+        QVERIFY(!elapsed.isValid());
         QVERIFY(!RENDER_TIMING_ENABLED && !STREAM_TIMING_ENABLED);
     }
 
@@ -92,6 +97,7 @@ private slots:
             unit *= 1000;
         }
         QVERIFY(isThat(timer.elapsedMSecsPlusUSecs(rest)) && rest == 0);
+        QVERIFY(isThat(timer.elapsedUSecsPlusNSecs(rest = 1) / 1000) && rest == 0);
         long long usecs, nsecs;
         QVERIFY(isThat(timer.elapsed(usecs, nsecs)) && isThat(usecs / 1000) && nsecs % 1000 == 0);
         timer = Nano();
@@ -116,7 +122,7 @@ private slots:
     }
 
     void stampsRenderLocalTime() {
-        for (const ptimeval moment : {ptimeval{base, 42}, ptimeval{base, 999'999},
+        for (const ptimeval moment : {ptimeval{base, 42}, ptimeval{base, -1},
                                       ptimeval{base - 40'000'000, 500'000}, ptimeval{1, 1}})
             QCOMPARE(rendered(moment), reference(moment));
         // At most so many characters, with a terminator where there is room for it.
@@ -133,6 +139,10 @@ private slots:
         QCOMPARE(Timestamp(false).toDefaultString(untouched, 64), 0);
         QCOMPARE(untouched, "untouched");
         QCOMPARE(Timestamp(ptimeval{1LL << 62, 0}).toDefaultString(untouched, 64), -1);
+        // Without an application there is no number of a thread.
+        QVERIFY(plog::LogItem(plog::Info, plog::Gui, 256, "", "", "", nullptr, {}, {})
+                    .toCString()
+                    .contains("][T:0000]["));
     }
 
     void cacheHoldsLastSecond() {
@@ -154,7 +164,7 @@ private slots:
         Timestamp stamp(false);
         QCOMPARE(stamp.elapsedSecs() + stamp.elapsedMilliSecs() + stamp.elapsedMicroSecs(), 0);
         stamp.restart();
-        QVERIFY(stamp.elapsedSecs() <= 60);
+        QVERIFY(stamp.elapsedSecs() <= 60 && Timestamp::currentTimeStamp().elapsedSecs() <= 60);
     }
 
     // Every text must be right while others render other seconds; TSan watches the cache.
