@@ -199,9 +199,8 @@ private slots:
             {"first\n" + root + "last" + middle, root, "1 cppvY", "1 cpspvY", "1 sp"},
             {QByteArray(), root, "0 c", "0 c", "2 s"}};
         const QByteArray locked = "Proc-Type: 4,ENCRYPTED\nDEK-Info: DES-CBC,0011223344556677\n\n";
-        for (const QByteArray& bad :
-             {QByteArray(""), garbage, root.chopped(30), root.first(28) + locked + root.sliced(28),
-              pemOf(rsa), QByteArray(root).replace("MII", "MIJ")})
+        for (const QByteArray& bad : {QByteArray(""), garbage, root.chopped(30), pemOf(rsa),
+                                      root.first(28) + locked + root.sliced(28)})
             rows << Row{bad, root, "0 cppPS", "0 cpPS", "2 spP"}
                  << Row{bad, bad, "0 cpPpPAS", "0 cpPS", "2 spP"};
 
@@ -213,17 +212,16 @@ private slots:
             const auto ask = [&] { return std::optional<int>(x509CertificateIsSelfSigned(pem)); };
             QCOMPARE(run([&] { return ask().value_or(2); }), selfSigned);
             const QByteArray parsed = pem ? selfSigned.mid(3) : "pN";
+            const QByteArray success = parsed == "p" ? "1 " : "0 ";
+            auto* const text = bytesOf(server);
             const auto load = [&](Format as) {
-                return loadX509Certificate(bytesOf(server), 0, as, {});
+                return run([&] { return !!X509Pointer(loadX509Certificate(text, 0, as, {})); });
             };
-            const auto loadPem = [&] { return !!X509Pointer(load(PEM)); };
-            QCOMPARE(run(loadPem), (parsed == "p" ? "1 l" : "0 l") + parsed);
-            QCOMPARE(run([&] { return !!load(DER); }), "0 lL");
-            const auto publicKey = [&] {
-                return !!RsaPointer(RSAPublicKeyFromX509(bytesOf(server)));
-            };
+            QCOMPARE(load(PEM), success + 'l' + parsed);
+            QCOMPARE(load(DER), "0 lL");
             const bool isEc = server == other || server == middle;
-            QCOMPARE(run(publicKey), isEc ? "0 pI" : (parsed == "p" ? "1 " : "0 ") + parsed);
+            QCOMPARE(run([&] { return !!RsaPointer(RSAPublicKeyFromX509(text)); }),
+                     isEc ? "0 pI" : success + parsed);
         }
         QVERIFY(!checkX509Certificate(end, root, nullptr) &&
                 !checkX509Certificate(root, nullptr, &error));
