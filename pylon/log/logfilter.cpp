@@ -106,7 +106,7 @@ constexpr qsizetype LogFilter::maxNameBytes;
 LogFilter::LogFilter(const QMap<Module, QSharedPointer<LogModule>>& modules) : modules_(&modules) {}
 
 QList<LogFilterItem> LogFilter::parseFilterString(const QString& filter, QString* error) const {
-    const QList<LogFilterItem> items = parse(filter);
+    QList<LogFilterItem> items = parse(filter);
     isValid(items, error);
     return items;
 }

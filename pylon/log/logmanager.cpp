@@ -111,6 +111,8 @@ LogManager* LogManager::instance() {
 }
 
 LogManager& LogManager::operator=(const LogManager& other) {
+    if (this == &other)
+        return *this;
     filter_ = other.filter_;
     levelMask_ = other.levelMask_;
     enabledModules_ = other.enabledModules_;

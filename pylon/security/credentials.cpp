@@ -18,7 +18,7 @@ using internal::Sha1Digest;
 constexpr std::size_t saltSize = 8;
 constexpr std::size_t longestPassword = 40;
 // As many as make a Base64 text without padding.
-constexpr int digestBytesShown = 18;
+constexpr std::size_t digestBytesShown = 18;
 
 constexpr char builtInKey[] = "Korvatine";
 
@@ -89,7 +89,7 @@ void encodeSHA1pass(const char* salt, const char* password, unsigned char* out) 
     const Sha1Digest digest =
         internal::sha1(QByteArrayView(text.data(), static_cast<qsizetype>(used)));
     std::memcpy(out, text.data(), saltSize + 1);
-    base64(digest.data(), digestBytesShown, reinterpret_cast<char*>(out) + saltSize + 1);
+    base64(digest.data(), int{digestBytesShown}, reinterpret_cast<char*>(out) + saltSize + 1);
     out[saltSize + 1 + digestBytesShown / 3 * 4] = '\0';
     OPENSSL_cleanse(text.data(), text.size());
 }

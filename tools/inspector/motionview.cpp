@@ -20,7 +20,7 @@ namespace {
 
 // More than the longest mask and the largest difference map take.
 constexpr qint64 maxInput = qint64{64} * 1024;
-constexpr qsizetype maxDiffMapCells = 127 * 255;
+constexpr qsizetype maxDiffMapCells = qsizetype{127} * 255;
 // Pixels of a picture across and down a cell.
 constexpr int cellPixels = 8;
 
@@ -69,7 +69,7 @@ void drawMask(Motion& mask) {
 std::optional<Motion> readMask(QByteArray text, QString* error) {
     while (!text.isEmpty() && QByteArrayView(" \t\r\n").contains(text.back()))
         text.chop(1);
-    Motion grid{QByteArray(MotionUtils::maskWidth * MotionUtils::maskHeight, '\0'),
+    Motion grid{QByteArray(qsizetype{MotionUtils::maskWidth} * MotionUtils::maskHeight, '\0'),
                 MotionUtils::maskWidth,
                 MotionUtils::maskHeight,
                 {}};
