@@ -19,7 +19,7 @@ namespace {
 constexpr int flushIntervalMs = 500;
 constexpr int retryIntervalMs = 500;
 constexpr qsizetype batchSize = 501;
-constexpr qsizetype maxBacklog = 1024 * 1024;
+constexpr qsizetype maxBacklog = qsizetype{1024} * 1024;
 
 QString join(const QString& dir, const QString& name) {
     return dir + QDir::separator() + name;
