@@ -155,7 +155,7 @@ public:
     /// @name Age
     /// @{
 
-    /// Wall-clock time of loading in ms since the Unix epoch; 0 unless a caller's record said so.
+    /// Wall-clock time of loading in ms since the Unix epoch. Nothing in the library sets it: 0.
     qint64 imageClientSystemLoadTimeMSecsSinceEpoch() const;
     /// Microseconds since the record was constructed; a clone goes on with the age of its source.
     qint64 elapsedUSecsSinceImageLoad() const;

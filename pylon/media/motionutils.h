@@ -48,7 +48,7 @@ public:
 
     /// Dimensions of a difference map in cells.
     struct DiffMapSize {
-        int width = 0;   ///< 0 to 127, in raw form 0 to 255.
+        int width = 0;   ///< 0 to 127.
         int height = 0;  ///< 0 to 63, in raw form 0 to 255.
     };
 

@@ -28,12 +28,12 @@ void addJson() {
          {R"("time300":281474976710655,"timestampMs":938249922368850,)"
           R"("utc":"+31701-12-16T02:26:08.850Z","zone":"","zoneQuarters":4,)",
           R"("type":"\\","key":true,)", R"("server":"��Gate","cameraName":"\u009b2J",)"});
-    json(
-        "first time",
-        WireFrame{1, 1, 1, 0, -128, 0x3F, 0, 5, extensionBlock("a\"b\\c\n\x1b[31m\x7f", "Tür 1 🚪")},
-        {R"("time300":1,"timestampMs":3,"utc":"1970-01-01T00:00:00.003Z","zone":"",)"
-         R"("zoneQuarters":-128,"camera":1,"track":1,"type":"\u007f",)",
-         R"("server":"a\"b\\c\n\u001b[31m\u007f","cameraName":"Tür 1 🚪",)"});
+    json("first time",
+         WireFrame{1, 1, 1, 0, -128, 0x3F, 0, 5,
+                   extensionBlock("a\"b\\c\b\t\n\f\r\x1b[31m\x7f", "Tür 1 🚪")},
+         {R"("time300":1,"timestampMs":3,"utc":"1970-01-01T00:00:00.003Z","zone":"",)"
+          R"("zoneQuarters":-128,"camera":1,"track":1,"type":"\u007f",)",
+          R"("server":"a\"b\\c\b\t\n\f\r\u001b[31m\u007f","cameraName":"Tür 1 🚪",)"});
     json("all flags and slots",
          WireFrame{65535, 65534, 0, 0, 0, 0xD6, 0xFF, 255,
                    extensionBlock({}, {}, B("\x02\x07\xff\x01\x80\0xhy\0z", 11)), 3},
@@ -70,17 +70,20 @@ CAMERA)"});
                            extensionBlock("S", "Gate"), 70});
     };
     row("summary", {"--summary", "-"},
-        at(1, 1000) + at(2, 500) + at(1, 1001, 8) + at(1, 4601) + at(1, 4000) + at(3, 100) +
+        at(1, 1000) + at(2, 500) + at(1, 1001, 8) + at(1, 4601) + at(1, 999) + at(3, 100) +
             at(3, 100) +
-            WireFrame{.camera = 20000, .time = 300, .extensions = extensionBlock("S", "Tür")} +
+            WireFrame{
+                .camera = 20000, .time = 300, .extensions = extensionBlock("S", "Tu\u0308r")} +
             WireFrame{.camera = 20000, .time = quint64{300} * 864000},
         0,
         {R"(=CAMERA      TRACK  FRAMES  KEY  BYTES  FIRST                        LAST                         FRAMES/S  LONGEST GAP
-    1 Gate      1       4    3    388  1970-01-01 01:16:40.000 CET  1970-01-01 02:16:41.000 CET   0.00083     1h00m00s
+    1 Gate      1       4    3    388  1970-01-01 01:16:39.000 CET  1970-01-01 02:16:41.000 CET   0.00083     1h00m00s
     1 Gate      2       1    1     97  1970-01-01 01:08:20.000 CET  1970-01-01 01:08:20.000 CET         -            -
     1 Gate      3       2    2    194  1970-01-01 01:01:40.000 CET  1970-01-01 01:01:40.000 CET         -      0.000 s
-20000 Tür       1       2    2     47  1970-01-01 01:00:01.000 CET  1970-01-11 01:00:00.000 CET   1.2e-06        9d23h
-total                   9    8    726
+20000 Tu)"
+         "\u0308"
+         R"(r       1       2    2     48  1970-01-01 01:00:01.000 CET  1970-01-11 01:00:00.000 CET   1.2e-06        9d23h
+total                   9    8    727
 )"});
 
     // Figures are kept for a limited number of tracks only.
@@ -105,7 +108,7 @@ void addDamage() {
     damage({"--summary", "-"}, frames.chopped(1), "2    2    240  2026",
            {"frame at byte 240: needs 120 bytes, 119 are left"});
     damage({"--json", "-"}, frames + "junk" + frames, "3*\n",
-           {"frame at byte 360: Unknown header protocol"});
+           {"frame at byte 360: Unknown header protocol; the rest is not read, see --resync"});
     damage({"--json", "--resync", "-"}, frames + "junk" + frames + B(30, '\0') + frames + "x",
            "9*\n",
            {"frame at byte 360: Unknown header protocol; 4 bytes skipped",
@@ -123,18 +126,14 @@ void addZonesAndSelections() {
     const auto zone = [](const char* name, const B& time) {  // in the table, as first and last time
         row(name, {"--zone", name, "-"}, WireFrame{}, 0, {"3*2026-11-15 " + time});
     };
-    zone("UTC", "07:00:00.000 UTC");
-    zone("CST:China", "15:00:00.000 CST");
     zone("CST:Cuba Standard Time", "02:00:00.000 CST");
     zone(":Newfoundland S", "03:30:00.000 NST");
-    zone("CHADT", "20:45:00.000 CHADT");
     zone("LHST", "17:30:00.000 LHST");  // listed twice with one offset
 
     const auto selection = [](const QStringList& arguments, const B& frames) {
         row(arguments.join(' ').toLatin1(), QStringList{"--json", sample} + arguments, {}, 0,
             {frames + "*\n"});
     };
-    selection({"--camera", "3"}, "8");
     selection({"--camera", "3", "--camera", "255"}, "14");
     selection({"--type", "V"}, "60");
     selection({"--type=a", "--camera=1"}, "40");
@@ -153,7 +152,6 @@ void addUsage() {
     refused({"--zone"}, "Missing value after '--zone'");
     refused({"--json", "--summary"}, "--json and --summary exclude each other");
     refused({"--camera", "65536"}, "number from 0 to 65535, not \"65536\"");
-    refused({"--camera", "-1"}, "number from 0 to 65535, not \"-1\"");
     refused({"--type", "VV"}, "one character, not \"VV\"");
     refused({"--type", "€"}, "one character, not \"€\"");
     refused({"--zone", "IST"},
@@ -161,7 +159,6 @@ void addUsage() {
             "  IST   +01:00  Irish Standard Time (Europe)\n"
             "  IST   +02:00  Israel Standard Time (Asia)\n"
             "  IST   +05:30  India Standard Time (Asia)\n");
-    refused({"--zone", "IST:I"}, "ambiguous time zone \"IST:I\"");
     refused({"--zone", "IST:X"}, "unknown time zone \"IST:X\"; candidates are\n  IST ");
     refused({"--zone", "cet"}, "unknown time zone \"cet\"; candidates are\n  CET   +01:00");
     refused({"--zone", "samoa"}, "candidates are\n  WST   +13:00  West Samoa Time");
@@ -171,10 +168,10 @@ void addUsage() {
             "unknown log level \"loud\", \"\"; the levels are TRACE");
     refused({"--log-filter", "Network{Foo}, Bogus{X}"}, "in the log filter: Network{Foo}, Bogus");
     refused({"--log-filter", " , "}, "empty module name");
-    refused({"--log-filter", QString(256, 'a')}, "longer than 255 bytes");
     refused({"--log-filter", "Playback{" + QString(300, 'a')}, "longer than 255 bytes");
     refused({"--log-filter", QString(255, 'a')}, "unknown name in the log filter: aaaa");
     refused({"--log", "x", "--log-size", "1001"}, "from 1 to 1000, not \"1001\"");
+    refused({"--log-size", "5"}, "--log-size needs --log");
     refused({"--log", ""}, "--log needs the name");
     refused({"--extract", ""}, "--extract needs the name");
     refused({"--png", "x"}, "--png needs --mask or --diffmap");
@@ -209,9 +206,7 @@ void addLogs() {
     log({"--log-level", "trace"}, "BFutd");
     log({"--log-level", " Warn,TIME,information"}, "UTfd");
     log({"--log-level", "ALL"}, "UTFD");
-    log({"--log-filter", "Playback"}, "BTuf");
     log({"--log-filter", "Network,Playback{Stream}", "--log-level", "trace"}, "Ft");
-    log({"--log-filter", "Playback{Decoder}"}, "But");
     log({"--log-filter", ""}, "But");
     log({"--log-filter", QString("Playback{Stream}").repeated(20)}, "Tu");
 }
@@ -233,6 +228,7 @@ void addMotion() {
           "motion mask without width, 120 x 90 cells, 10800 watched\n" + B("█").repeated(120) +
               "\nrows 3 to 90 are like row 2\n" + legend);
     refused("--mask", "A0#", "Invalid character in mask text at byte 2");
+    row("no mask", {"--mask", "/no/such"}, {}, 1, {nothing}, {"pylon-inspect: /no/such: "});
     refused("--mask", B(65537, '0'), "too long: more than 65536 bytes");
     const B shades = "motion: · none, ░ below 64, ▒ below 128, ▓ below 192, █ up to 255\n";
     shown("--diffmap", "\x81\xC1\xE0",
@@ -296,6 +292,20 @@ private slots:
         const Run refused = inspect({"--log", dir.filePath("no/folder.log"), sample});
         QCOMPARE(refused.status, 1);
         QVERIFY(refused.err.startsWith("pylon-inspect: cannot write the log file "));
+    }
+
+    void outputFails() {
+        const QString full = "/dev/full";
+        if (!QFile::exists(full))
+            QSKIP("there is no device that is always full");
+        for (const QStringList& arguments :
+             {QStringList("--help"), {sample}, {"--mask", "/dev/null"}}) {
+            QProcess process;
+            process.setStandardOutputFile(full);
+            process.start(INSPECT_PROGRAM, arguments);
+            QVERIFY(process.waitForFinished());
+            QVERIFY(process.exitCode() == 1 && process.readAllStandardError().contains("write"));
+        }
     }
 
     void readerGoesAway() {

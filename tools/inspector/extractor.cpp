@@ -36,8 +36,6 @@ bool Extractor::fail(const QString& path, const QString& reason) {
 }
 
 bool Extractor::add(const FrameReader& reader, qint64 offset) {
-    if (!error_.isEmpty())
-        return false;
     if (reader.payload().isEmpty())
         return true;
     if (!folderIsThere_ && !QDir().mkpath(folder_))

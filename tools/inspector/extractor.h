@@ -26,8 +26,8 @@ public:
     /// @param prefix starts the name of every file.
     Extractor(const QString& folder, const QString& prefix) : folder_(folder), prefix_(prefix) {}
 
-    /// Takes the current frame of @p reader, which begins at @p offset of the recording. False, and
-    /// errorText(), after the first failure.
+    /// Takes the current frame of @p reader, which begins at @p offset of the recording.
+    /// @return false, and errorText(), if that fails: it is not to be called again then.
     bool add(const FrameReader& reader, qint64 offset);
     /// Completes the WAV files. To be called last.
     bool finish();

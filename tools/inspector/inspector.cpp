@@ -38,6 +38,7 @@ private:
     FrameReader reader_;
     QString name_;
     qint64 start_;
+    bool readAll_ = false;
     QString damage_;
 };
 
@@ -66,8 +67,10 @@ void Inspection::run() {
 // Reading may wait for somebody who writes, so everything known so far is shown first.
 void Inspection::readMore() {
     report_.flush(end());
-    if (!reader_.fill())
+    if (!reader_.fill()) {
         reader_.finish();
+        readAll_ = true;
+    }
     PLOG_DEBUG(logClient(), nullptr, streamSubModule, "%lld frames so far, buffer of %lld bytes",
                report_.frames(), static_cast<long long>(reader_.capacity()));
 }
@@ -77,6 +80,8 @@ bool Inspection::goOnBehindDamage() {
     damage_ = QStringLiteral("frame at byte %1: %2").arg(reader_.offset()).arg(reader_.reason());
     if (reader_.offset() == 0 && reader_.reason() == QLatin1String("Unknown header protocol"))
         damage_ += QLatin1String(", so this may be no recording at all");
+    else if (!options_.resync && !readAll_)
+        damage_ += QLatin1String("; the rest is not read, see --resync");
     return options_.resync && reader_.resynchronise();
 }
 
@@ -116,7 +121,9 @@ bool inspectRecording(const Options& options, Output& output, const Recording& r
             error = inspection.damage();
             end = inspection.end();
         } else if (QFileInfo(file).isDir()) {
-            error += QLatin1String(" without dumped frames (img-*.bin)");
+            error += QFileInfo(file).isReadable()
+                         ? QLatin1String(" without dumped frames (img-*.bin)")
+                         : QLatin1String(" that cannot be read");
         }
         if (!error.isEmpty())
             failures.push_back({name, error});

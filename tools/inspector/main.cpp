@@ -13,7 +13,10 @@ int print(const QByteArray& text) {
     Output output;
     output.buffer() = text;
     output.flush();
-    return output.failed() ? InputFailed : Success;
+    if (!output.failed())
+        return Success;
+    complain(QStringLiteral("cannot write: ") + output.errorText());
+    return InputFailed;
 }
 
 int refuse(const QString& reason) {

@@ -184,6 +184,8 @@ private:
         log.file = value("log");
         if (isSet("log") && log.file.isEmpty())
             return refuse(QStringLiteral("--log needs the name of a file"));
+        if (isSet("log-size") && !isSet("log"))
+            return refuse(QStringLiteral("--log-size needs --log"));
         if (isSet("log-size")) {
             bool ok = false;
             log.maxFileSize = value("log-size").toLongLong(&ok);

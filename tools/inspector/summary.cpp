@@ -174,8 +174,6 @@ void Summary::add(const Image& image) {
 
 QByteArray Summary::text(const std::optional<Zone>& zone, const Style& style) const {
     QByteArray out;
-    if (tracks_.empty())
-        return out;
     std::vector<Line> lines(1);
     for (size_t i = 0; i < columns.size(); ++i)
         lines[0][i] = QString::fromLatin1(columns[i].title);

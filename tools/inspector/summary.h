@@ -34,7 +34,7 @@ public:
 
     qint64 frames() const { return frames_; }
 
-    /// The figures as an aligned table, empty without frames.
+    /// The figures as an aligned table; its heading alone without frames.
     /// @param zone for all times; without it the own zone of the frames they belong to.
     QByteArray text(const std::optional<Zone>& zone, const Style& style) const;
 
