@@ -19,13 +19,6 @@ namespace {
 
 constexpr auto V4 = ImageHeaderVersion::V4;
 
-// A text that loading twice made longer than a header can hold.
-Image tooManySlots() {
-    Image image(headerBytes(QByteArray(254, 'x')));
-    image.loadFromData(headerBytes("x"));
-    return image;
-}
-
 // Dumps the bytes and returns what that prints.
 QString dump(const QByteArray& bytes, const Image& frame) {
     std::ostringstream output;
@@ -90,6 +83,17 @@ private slots:
         image.addFlags(0x0A);
         image.clearFlags(0x03);
         QCOMPARE(image.flags(), 0x88);
+        image.setId(1);
+        image.setServerUid(2);
+        image.setServerId(3);
+        image.setSortId(4);
+        image.setStreamId(5);
+        image.setLinkedStreamNextTimeStamp(6);
+        image.setAuthenticationState(Image::AuthenticationState(7));
+        const Image clone = image.clone();
+        QVERIFY(clone.id() == 1 && clone.ServerUid() == 2 && clone.serverId() == 3);
+        QVERIFY(clone.sortId() == 4 && clone.streamId() == 5);
+        QVERIFY(clone.linkedStreamNextTimeStamp() == 6 && clone.authenticationState() == 7);
     }
 
     // Copies share the record, also one that was moved from; clones do not. Each thread drops the
@@ -131,7 +135,8 @@ private slots:
         image.setExtensions(ImageHeader(Image()));
         image.setPayload("a");
         QCOMPARE(image.imageSize(), 0xFFFFFFFDU);
-        Image full = tooManySlots();
+        Image full(headerBytes(QByteArray(254, 'x')));
+        full.loadFromData(headerBytes("x"));  // makes the text longer than a header can hold
         QCOMPARE(errorOf([&] { full.setPayload("stored"); }), "Extension field is too large");
         QVERIFY(full.payload() == "stored" && full.totalSize() == 21);
     }

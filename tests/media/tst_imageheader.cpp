@@ -191,6 +191,8 @@ private slots:
         QVERIFY(byteSpanToUint32(odd) == 0xB1A19181 && byteSpanToInt32(odd) == -1314811519);
         QVERIFY(byteSpanToUint64(odd) == 0xF1E1D1C1B1A19181);
         QVERIFY(byteSpanToInt64(odd) == -0x0E1E2E3E4E5E6E7F && tryByteSpanToInt8(odd) == -127);
+        QVERIFY(tryByteSpanToInt16(odd) == -28287 &&
+                tryByteSpanToInt64(odd) == byteSpanToInt64(odd));
         QVERIFY(tryByteSpanToUint16(odd) == 0x9181 && !tryByteSpanToInt32(odd.first(3)));
         QVERIFY(tryByteSpanToUint64(odd) == 0xF1E1D1C1B1A19181 && !tryByteSpanToUint8({}));
         convertByteArrayToUInt64(bytes, number);  // what was there stays
