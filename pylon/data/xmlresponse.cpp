@@ -225,9 +225,10 @@ const XmlResponseNode* XmlResponse::find(const XmlResponseNode& from, QStringVie
     // The first parts say where to start, which the caller has done.
     int startingParts = 2;
     for (const QStringView part : qTokenize(QStringView(whole), u'/')) {
-        if (startingParts-- > 0)
+        if (startingParts > 0) {
+            --startingParts;
             continue;
-        startingParts = 0;
+        }
         node = child(*node, part);
         if (!node)
             return nullptr;
