@@ -14,13 +14,6 @@ using namespace pylon;
 
 namespace {
 
-struct Settings {
-    bool resynchronise;
-    qsizetype chunk;
-    quint32 limit;
-    unsigned rhythm;
-};
-
 // Gives 0 to 63 bytes a read, or all that is wanted.
 class Stream : public QIODevice {
 public:
@@ -60,13 +53,14 @@ void check(const FrameReader& reader, QByteArrayView input) {
     FUZZ_CHECK(reader.image().totalSize() == reader.headerImage().totalSize());
 }
 
-Frames read(QByteArrayView input, const Settings& settings) {
-    Stream stream(input, settings.rhythm);
+Frames read(QByteArrayView input, bool resynchronise, quint32 limit, qsizetype chunk,
+            unsigned rhythm) {
+    Stream stream(input, rhythm);
     FrameReader reader(stream);
-    reader.setChunkSize(settings.chunk);
-    reader.setFrameSizeLimit(settings.limit);
-    const qsizetype mostNeeded = std::min(reader.frameSizeLimit() + qsizetype{20} + settings.chunk,
-                                          std::max(2 * input.size(), settings.chunk));
+    reader.setChunkSize(chunk);
+    reader.setFrameSizeLimit(limit);
+    const qsizetype mostNeeded = std::min(reader.frameSizeLimit() + qsizetype{20} + chunk,
+                                          std::max(2 * input.size(), chunk));
     Frames frames;
     qint64 place = 0;  // that all bytes before belong to frames or were skipped
     bool skipping = false;
@@ -90,7 +84,7 @@ Frames read(QByteArrayView input, const Settings& settings) {
         } else if (status == FrameReader::Status::End) {
             FUZZ_CHECK(place == input.size());
             return frames;
-        } else if (!settings.resynchronise) {
+        } else if (!resynchronise) {
             return frames;
         } else {
             FUZZ_CHECK(reader.resynchronise());
@@ -104,12 +98,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     constexpr std::size_t settingsSize = 4;
     if (size < settingsSize)
         return 0;
-    const Settings settings{(data[0] & 1) != 0, 1 + data[1] * data[1],
-                            data[2] == 0 ? ~quint32{0} : 20 + quint32{data[2]} * data[2], data[3]};
+    const bool resynchronise = (data[0] & 1) != 0;
+    const quint32 limit = data[2] == 0 ? ~quint32{0} : 20 + quint32{data[2]} * data[2];
     const QByteArray input = bytesOf(data + settingsSize, size - settingsSize);
-    const Frames frames = read(input, settings);
+    const Frames frames = read(input, resynchronise, limit, 1 + data[1] * data[1], data[3]);
     // Where damage ends the stream, it does not matter how the bytes come.
-    if (!settings.resynchronise)
-        FUZZ_CHECK(read(input, {false, 4096, settings.limit, 0}) == frames);
+    if (!resynchronise)
+        FUZZ_CHECK(read(input, false, limit, 4096, 0) == frames);
     return 0;
 }
