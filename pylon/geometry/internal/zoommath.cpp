@@ -38,19 +38,14 @@ QRectF fittedRect(const QSizeF& container, const QSizeF& image, bool keepAspect)
         return {};
     if (!keepAspect)
         return {QPointF(), container};
-    double width = container.width();
-    double height = container.height();
-    if (container.width() / container.height() > image.width() / image.height())
-        width = height / image.height() * image.width();
-    else
-        height = width / image.width() * image.height();
-    const bool isNarrower = width < container.width();
-    const bool isLower = height < container.height();
-    const double x =
-        isNarrower && height >= container.height() ? (container.width() - width) * 0.5 : 0;
-    const double y =
-        isLower && width >= container.width() ? (container.height() - height) * 0.5 : 0;
-    return {x, y, width, height};
+    // Rounding may make it a little larger than its room.
+    const auto bar = [](double room, double size) { return size < room ? (room - size) * 0.5 : 0; };
+    if (container.width() / container.height() > image.width() / image.height()) {
+        const double width = container.height() / image.height() * image.width();
+        return {bar(container.width(), width), 0, width, container.height()};
+    }
+    const double height = container.width() / image.width() * image.height();
+    return {0, bar(container.height(), height), container.width(), height};
 }
 
 Margins marginsAround(const QRectF& rect, const QSizeF& container) {
