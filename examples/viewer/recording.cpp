@@ -23,11 +23,6 @@ bool isEarlier(const Image& left, const Image& right) {
     return left.time() < right.time();
 }
 
-QString nameOf(const Image& frame) {
-    const QString name = frame.cameraName();
-    return name.isEmpty() ? QStringLiteral("Camera %1").arg(frame.cameraId()) : name;
-}
-
 void sortIntoCameras(const QList<Image>& frames, Recording& recording) {
     QMap<quint32, Camera> cameras;
     for (const Image& frame : frames) {
@@ -38,12 +33,15 @@ void sortIntoCameras(const QList<Image>& frames, Recording& recording) {
         Camera& camera = cameras[frame.cameraId()];
         camera.id = frame.cameraId();
         if (camera.name.isEmpty())
-            camera.name = nameOf(frame);
+            camera.name = frame.cameraName();
         if (frame.type() == video)
             camera.pictures.append(frame);
     }
-    for (Camera& camera : cameras)
+    for (Camera& camera : cameras) {
         std::ranges::stable_sort(camera.pictures, isEarlier);
+        if (camera.name.isEmpty())
+            camera.name = QStringLiteral("Camera %1").arg(camera.id);
+    }
     std::ranges::stable_sort(recording.events, isEarlier);
     recording.cameras = cameras.values();
 }
