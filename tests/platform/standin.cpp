@@ -1,5 +1,6 @@
 // Prints what another program printed once: <own name>.txt of the folder that the variable
 // PYLON_STANDIN names, as soon as no file "hold" lies beside it; until then, <own name>.up does.
+// As ipconfig it wants to be asked for everything.
 
 #include <chrono>
 #include <cstdlib>
@@ -8,9 +9,11 @@
 #include <iostream>
 #include <thread>
 
-int main(int, char** argv) {
+int main(int argc, char** argv) {
     const std::filesystem::path folder = std::getenv("PYLON_STANDIN");
     const std::string name = std::filesystem::path(argv[0]).stem().string();
+    if (name == "ipconfig" && (argc < 2 || argv[1] != std::string("/all")))
+        return 1;
     while (std::filesystem::exists(folder / "hold")) {
         std::ofstream(folder / (name + ".up"));
         std::this_thread::sleep_for(std::chrono::milliseconds(10));

@@ -57,6 +57,9 @@ private slots:
         log->setLogLevel(plog::Trace);
         pylon::deleteLater(plain);
         deleteLaterSafely(traced);
+        log->unsetAll();
+        deleteLaterSafely(new QObject);
+        log->resetFilter();
         log->setLogLevel(plog::Debug);
         deleteLaterSafely(untraced);
         const QByteArray tail = QByteArray::number(quintptr(traced.data()), 16) + " [tile]";

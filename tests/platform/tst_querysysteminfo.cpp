@@ -57,16 +57,18 @@ private slots:
             {upTo("Available"), without(all, "51.* MB")},
             {upTo("Product"), without(all, "x64.*|004.*|HPE.*|.*Mhz|.* MB")},
             {"16 MB:1", none},
-            {"-\n[01]:x Mhz", one},
+            {"-\n[01]:x Mhz:y", one},
+            {"-\n 001]:x Mhz", one},
             {"-\n [01:x Mhz", one},
-            {"-\n []:x Mhz", one},
-            {"-\n ", none}};
+            {"-\n []:x Mhz", one}};
         for (const auto& [output, expected] : rows) {
             SystemInfo info;
             const SystemInfoFindings findings = parseSystemInfo(output, info);
             QCOMPARE(shown(info), expected);
             QCOMPARE(findings.memory, !info.totalPhysicalMemory.isEmpty());
             QCOMPARE(findings.processors, !info.processors.isEmpty());
+            parseSystemInfo("no values", info);
+            QCOMPARE(shown(info), expected);
         }
     }
 
@@ -81,7 +83,7 @@ private slots:
             {start + "a:\nb:\n IP Address: 1\nc: x\n\r\n\tSubnet Mask: 2\nd",
              "a\n\n1\n\nc\n\n\n\nd\n\n\n\n"},
             {start + "a:\n IP Address: 1\n Subnet Mask: 2", "a\n\n\n2\n"},
-            {"a:\nb:", ""}};
+            {"1\n2\n3\na :\n \nb\nc", "a\n\n\n\nc\n\n\n\n"}};
         for (const auto& [output, expected] : rows)
             QCOMPARE(shown(parseNetworkInfo(output)), expected);
     }
@@ -98,6 +100,11 @@ private slots:
         query.load();
         QTRY_COMPARE_WITH_TIMEOUT(loaded.size(), 1, patience);
         QCOMPARE(query.network().empty(), QStandardPaths::findExecutable("ipconfig").isEmpty());
+
+        QDir::setCurrent(nothing.path());
+        qputenv("PATH", "");
+        query.load();  // now neither answers
+        QTRY_COMPARE_WITH_TIMEOUT(loaded.size(), 3, patience);
     }
 
     // The first query answers last, and still for itself; the third has no time to.
