@@ -202,5 +202,6 @@ private:
 }  // namespace pylon
 
 Q_DECLARE_TYPEINFO(pylon::XmlResponseNode, Q_RELOCATABLE_TYPE);
+Q_DECLARE_METATYPE(pylon::XmlResponse)
 Q_DECLARE_METATYPE(pylon::XmlResponseNode)
 Q_DECLARE_METATYPE(pylon::XmlResponseError)

@@ -4,6 +4,7 @@
 
 #include <openssl/rand.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <optional>
@@ -78,12 +79,10 @@ std::optional<QString> encryptedLike(const QString& stored, const QString& user,
 
 void encodeSHA1pass(const char* salt, const char* password, unsigned char* out) {
     std::array<char, saltSize + 1 + longestPassword> text{};
-    if (salt)
-        std::memcpy(text.data(), salt, qstrnlen(salt, saltSize));
+    std::copy_n(salt, qstrnlen(salt, saltSize), text.begin());
     text[saltSize] = ':';
-    const std::size_t length = password ? qstrnlen(password, longestPassword) : 0;
-    if (length > 0)
-        std::memcpy(text.data() + saltSize + 1, password, length);
+    const std::size_t length = qstrnlen(password, longestPassword);
+    std::copy_n(password, length, text.begin() + saltSize + 1);
 
     const std::size_t used = saltSize + 1 + length;
     const Sha1Digest digest =
