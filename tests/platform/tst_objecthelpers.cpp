@@ -70,8 +70,8 @@ private slots:
         QCOMPARE(recorder->items.size(), 1);
         const plog::LogItem& item = recorder->items[0];
         QVERIFY(item.logLevel() == plog::Trace && item.module() == plog::Logic);
-        const QByteArray message = item.rawMessage().toLower();
-        QVERIFY(message.startsWith("object: ") && message.endsWith(tail));
+        QVERIFY(item.rawMessage().startsWith("Object: "));
+        QVERIFY(item.rawMessage().toLower().endsWith(tail));
         QCOMPARE(item.function(), "pylon::deleteLaterSafely");
     }
 
