@@ -108,7 +108,7 @@ X509* loadX509Certificate(unsigned char* data, unsigned int, Format format, Cryp
 
 X509* tryLoadX509Certificate(std::span<const unsigned char> pem) {
     const ErrorQueueScope errors;
-    if (pem.empty() || pem.size() > std::numeric_limits<int>::max())
+    if (pem.size() > std::numeric_limits<int>::max())
         return nullptr;
     return x509_from_memory(pem.data(), static_cast<int>(pem.size())).release();
 }

@@ -41,9 +41,7 @@ QByteArray RandomGenerator::randomPayload(int minSize, int maxSize) {
     // 64 bits: the sizes may lie more than an int apart.
     if (maxSize != minSize)
         size += static_cast<qint64>(randomNumber() % static_cast<quint64>(qint64{maxSize} - size));
-    if (size < 1)
-        return {};
-    QByteArray payload(size, Qt::Uninitialized);
+    QByteArray payload(size, Qt::Uninitialized);  // empty for a size below 1
     for (char& byte : payload)
         byte = static_cast<char>(randomNumber());
     return payload;

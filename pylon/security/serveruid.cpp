@@ -16,8 +16,6 @@ QString serverUIDToString(quint64 uid) {
 
 quint64 serverUIDFromString(const QString& text) {
     QString characters = correctServerUID(text);
-    if (characters.isEmpty())
-        return 0;
     characters.resize(uidSize, u'\0');
     // No character takes less than a byte.
     return qFromLittleEndian<quint64>(characters.toUtf8().constData());

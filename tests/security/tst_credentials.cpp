@@ -20,8 +20,9 @@ private slots:
     void encodesBase64() {
         for (QByteArray data = "\xFF"; data.size() < 300; data += char(data.size() * 37)) {
             QByteArray out(500, '#');
-            base64(reinterpret_cast<const unsigned char*>(data.data()), int(data.size()),
-                   out.data());
+            // A sanitizer sees what is read behind it.
+            const std::vector<unsigned char> exact(data.begin(), data.end());
+            base64(exact.data(), int(exact.size()), out.data());
             QCOMPARE(out.left(out.indexOf('#') + 1), data.toBase64() + '#');
         }
         base64(nullptr, 3, nullptr);
