@@ -3,7 +3,6 @@
 #include <QtTest/QtTest>
 
 #include <cmath>
-#include <random>
 
 using namespace pylon;
 
@@ -49,7 +48,6 @@ class TestDisplayGeometry : public QObject {
 private slots:
     void steps();
     void movedFrom();
-    void randomSteps();
     void ndc();
 };
 
@@ -72,6 +70,10 @@ void TestDisplayGeometry::steps() {
         {"zoom 4 1 1, zoom 0.5 -1 -1", 2, {-100, -100, 200, 200}},
         {"zoom 2 0 0, pan 999 999", 2, {100, 0, 200, 200}},
         {"zoom 2 0 0, pan -999 -999", 2, {-100, -100, 200, 200}},
+        {"container 100 200, image 100 50, zoom 2 0 0, pan -999 -999", 2, {-100, -50, 200, 100}},
+        {"container 300 200, image 100 50, zoom 3 0.5 -0.25, pan 20 10, zoom 0.5 0.2 0.25",
+         1.5,
+         {-125, 30, 450, 225}},
         {"zoom 2 0 0, reset, zoom 1.5 0 0", 3, {-50, -100, 300, 300}},
         {"zoom 2 0 0, reset, pan -999 0", 2, {0, 0, 100, 100}},
         {"zoom 2 1 1, resetOffset", 4, {-100, -150, 400, 400}},
@@ -109,48 +111,6 @@ void TestDisplayGeometry::movedFrom() {
         from = std::move(to);
         QVERIFY(!from.preserveAspectRatio());
         QCOMPARE(from.zoomRect(), QRectF(-100, -50, 400, 200));
-    }
-}
-
-// The point at the centre stays, or the offset is followed, as far as the margins let it.
-void TestDisplayGeometry::randomSteps() {
-    std::mt19937 bits(1);
-    const auto between = [&bits](double low, double high) {
-        return low + (high - low) * (static_cast<double>(bits()) / 4294967296.0);
-    };
-    DisplayGeometry geometry;
-    QSizeF container;
-    QRectF base;
-    for (int step = 0; step < 50'000; ++step) {
-        if (step % 250 == 0) {
-            container = {between(1, 4000), between(1, 4000)};
-            geometry = geometryOf(container, {between(1, 4000), between(1, 4000)});
-            base = geometry.zoomRect();
-        }
-        const QRectF old = geometry.zoomRect();
-        const bool isZoom = bits() % 2 == 0;
-        const double range = isZoom ? 1 : 500, x = between(-range, range),
-                     y = between(-range, range);
-        if (isZoom)
-            geometry.zoom(between(0.4, geometry.zoomFactor() < 50 ? 2 : 1), x, y);
-        else
-            geometry.addOffsetPixels(x, y);
-        const QRectF now = geometry.zoomRect();
-        const double factor = geometry.zoomFactor();
-        QCOMPARE(now.size(), base.size() * factor);
-        const auto isRight = [&](double room, double margin, double begin, double size,
-                                 double oldBegin, double oldSize, double value) {
-            const double fixed = (value + 1) / 2 * room;
-            const double wanted =
-                isZoom ? fixed - (fixed - oldBegin) / oldSize * size : oldBegin + value;
-            const double expected =
-                std::max(std::min(wanted, factor * margin), room - size - factor * margin);
-            return std::abs(begin - expected) <= 1e-8 * (size + room);
-        };
-        QVERIFY(
-            isRight(container.width(), base.x(), now.x(), now.width(), old.x(), old.width(), x));
-        QVERIFY(
-            isRight(container.height(), base.y(), now.y(), now.height(), old.y(), old.height(), y));
     }
 }
 
