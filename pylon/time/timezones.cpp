@@ -287,8 +287,6 @@ void printRow(std::ostream& os, const std::string& key, const TimeZoneEntry& zon
 
 }  // namespace
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): the signature that programs are built
-// against
 int TimeZones::list2ostream(std::ostream& os, std::string abbrevation, std::string fullName) {
     int printed = 0;
     for (const Row& row : getInstance().table_->candidates(abbrevation)) {
