@@ -283,9 +283,8 @@ void forEachLogFile(const Devices& devices, const std::function<void(LogFile&)>&
 }  // namespace
 
 void setFileDevicePath(const QString& dir) {
-    if (QFile::exists(dir))
-        forEachLogFile(LogManager::instance()->logDevices(),
-                       [&](LogFile& file) { file.changeLogDir(dir); });
+    forEachLogFile(LogManager::instance()->logDevices(),
+                   [&](LogFile& file) { file.changeLogDir(dir); });
 }
 
 void setMaxFileSize(qint64 size) {

@@ -162,9 +162,8 @@ long long Timestamp::elapsedIn(int unitsPerSecond) const {
         return 0;
     const int microsecondsPerUnit = 1'000'000 / unitsPerSecond;
     const ptimeval now = currentPTimeVal();
-    const long long units = unitsPerSecond == 1 ? 0
-                                                : now.tv_usec / microsecondsPerUnit -
-                                                      microseconds_ / microsecondsPerUnit;
+    const long long units = static_cast<long long>(now.tv_usec / microsecondsPerUnit) -
+                            microseconds_ / microsecondsPerUnit;
     // Wraps instead of overflowing for a stamp that lies absurdly far away.
     const auto seconds =
         static_cast<unsigned long long>(now.tv_sec) - static_cast<unsigned long long>(seconds_);

@@ -92,8 +92,10 @@ private slots:
     }
 
     void finishedLineStaysAsItIs() {
-        const LogItem item(QStringLiteral("\nbänner"));
-        QVERIFY(item.toString() == QStringLiteral("\nbänner") && item.toCString() == "\nbänner");
+        const LogItem item(QString("\nbänner"));
+        QByteArray bytes;
+        item.appendTo(bytes);
+        QVERIFY(item.toString() == "\nbänner" && item.toCString() == bytes && bytes == "\nbänner");
         QVERIFY(item.logLevel() == Info && item.module() == PylonSDK && item.submods() == 256);
         QVERIFY(item.rawMessage().isEmpty() && qstrcmp(item.function(), "NONE") == 0);
         QVERIFY(LogItem(QString()).toCString().startsWith("[][ INFO][    (null)]"));
