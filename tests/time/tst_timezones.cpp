@@ -112,14 +112,11 @@ private slots:
     void lookUps() {
         const std::tuple<const char*, const char*, std::string> rows[] = {
             {"NST", "", "-14 Newfoundland Standard Time"},
-            {"BRT", "Bras\xc3\xadlia time", "-12 Bras\xc3\xadlia time"},
             {"CST", "", "126 Cuba Standard Time"},
             {"CST", "China", "32 China Standard Time"},
             {"LHST", "", "126 Lord Howe Standard Time"},
-            {"", "", "126 Yekaterinburg Time"},
             {"", "Cuba S", "-20 Cuba Standard Time"},
             {"", "European", "127 European"},
-            {"CET", "central", "127 central"},
             {"CET", "Central European Time ", "127 Central European Time "}};
         for (const auto& [abbrevation, filter, result] : rows) {
             std::string fullName = filter;
