@@ -54,7 +54,8 @@ public:
     /// G.711 to PCM of 8 kHz, and if that is still above @p target, on to 16 kHz by linear
     /// interpolation. Any other frame is returned as it is.
     ///
-    /// The bytes of AudioG726X32 and of sub-types without name are taken for PCM samples.
+    /// The bytes of AudioG726X32 and of sub-types without name are taken for PCM samples. A byte
+    /// that is no whole sample is left out.
     static Image decode(int target, Image frame);
 
     /// Returns @p frame: there is no conversion up the list.

@@ -237,15 +237,16 @@ bool FrameReader::skipToConfirmed() {
     return false;
 }
 
+// Of a start that has a whole header at least.
 FrameReader::Verdict FrameReader::judge(qsizetype position) const {
     for (int confirmed = 0;; ++confirmed) {
         const qsizetype left = end_ - position;
         if (left < headerSize) {
             const bool fits = left < sizeFieldSize ||
                               Wire::hasMarker(firstWord({buffer_.constData() + position, left}));
-            if (!ended_)
-                return fits ? Verdict::Undecided : Verdict::Rejected;
-            return fits && confirmed > 0 ? Verdict::Confirmed : Verdict::Rejected;
+            if (!fits)
+                return Verdict::Rejected;
+            return ended_ ? Verdict::Confirmed : Verdict::Undecided;
         }
         const qsizetype size = plausibleSize(position);
         if (size == 0)

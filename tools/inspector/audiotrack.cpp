@@ -35,9 +35,6 @@ QByteArray atHalfRate(const QByteArray& samples) {
 
 QByteArray samplesAt(int rate, const Image& frame) {
     const AudioSubTypes target = rate == rateOf(Audio16B16KHZ) ? Audio16B16KHZ : Audio16B8KHZ;
-    // A frame without one whole sample cannot be resampled.
-    if (subTypeOf(frame) == Audio16B8KHZ && frame.payload().size() < sampleSize)
-        return {};
     const QByteArray samples = AudioUtils::decode(target, frame).payload();
     return rateOf(subTypeOf(frame)) > rate ? atHalfRate(samples) : samples;
 }
