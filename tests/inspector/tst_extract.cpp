@@ -227,6 +227,15 @@ private slots:
             QVERIFY(QFile::remove(file));
     }
 
+    // By their times, whatever recording they are from.
+    void ordersDumps() {
+        QVERIFY(QDir().mkpath(pathOf("dumps")));
+        QVERIFY(writeAll(pathOf("dumps/img-1_1_0-9_.bin"), WireFrame{.camera = 9}));
+        QVERIFY(writeAll(pathOf("dumps/img-2_1_0--5_.bin"), WireFrame{.camera = 5}));
+        const B json = inspect({"--json", pathOf("dumps")}).out;
+        QVERIFY(json.split('\n').front().contains("\"camera\":5,") && json.count('\n') == 2);
+    }
+
     void dumpFails() {
         const B input = WireFrame{.extensions = extensionBlock("", "a/\x1b")};
         const Run run = inspect({"--dump", "-"}, input);

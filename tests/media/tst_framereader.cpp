@@ -125,6 +125,7 @@ private slots:
         damage("false header that claims all", "x" + claim(1'000'000), unknown);
 
         const B start = "0 " + unknown + "; ";
+        row("junk alone", "junk!", start + "-5");
         row("one frame behind", "x" + frameOf(20), start + "-1; 20");
         row("cut frame", "x" + f + f.first(29),
             start + "-1; 30; 31 needs 30 bytes, 29 are left; -29");
@@ -137,7 +138,6 @@ private slots:
         row("mere claim", claim(0x3FFFFFF) + B(1'000'000, '\0'),
             "0 needs 67108863 bytes, 1000020 are left; -1000020");
         row("small, large", "x" + f + frameOf(2'000'000) + f, start + "-1; 30; 2000000; 30");
-        row("longer than the wait", "x" + frameOf(100) + frameOf(100), start + "-1; 100; 100", 100);
     }
 
     void stories() {
@@ -158,12 +158,13 @@ private slots:
             FrameReader& reader = input.reader;
             reader.setFrameSizeLimit(limit);
             reader.setChunkSize(chunk);
-            QVERIFY(!reader.resynchronise());
+            QVERIFY(!reader.resynchronise() && reader.frameSizeLimit() <= 0x3FFFFFF);
             const B found = input.story(resynchronise);
             QCOMPARE(found, resynchronise ? expected : expected.first(found.size()));
             const bool failed = !isWhole && !resynchronise;
             QCOMPARE(reader.next(), failed ? Status::Failed : Status::End);
             QVERIFY(failed || reader.offset() == bytes.size());
+            input.device.buffer() += "late";
             QVERIFY(!reader.fill());
             const qsizetype request = std::max<qsizetype>(chunk, 1);
             QVERIFY(input.longestRead <= request);
@@ -189,6 +190,7 @@ private slots:
         QVERIFY(reader.header().isNewKeyRequired() && reader.payload().isEmpty());
         reader.fill();
         QVERIFY(reader.header().isNull() && reader.bytes().isEmpty());
+        QVERIFY(reader.headerImage().isNull());
         QCOMPARE(image.payload(), B(9, 'p'));
         QCOMPARE(image.cameraName(), "Gate");
         QCOMPARE(headerImage.cameraName(), "Gate");
@@ -205,6 +207,12 @@ private slots:
         QCOMPARE(input.reader.offset(), 21);
         QVERIFY(input.device.size() < input.bytes.size());
         QVERIFY(input.reader.capacity() <= pylon::defaultFrameChunkSize);
+        // Nor do frames wait for more than one of the longest behind them.
+        Input few("x" + frameOf(100) + frameOf(20), 1000);
+        few.reader.setFrameSizeLimit(100);
+        QCOMPARE(few.next(), Status::Failed);
+        QVERIFY(few.reader.resynchronise());
+        QCOMPARE(few.reader.next(), Status::Frame);
     }
 
     void deviceErrorIsFinal() {

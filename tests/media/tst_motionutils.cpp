@@ -195,7 +195,7 @@ private slots:
         }
         for (const Bytes& coded : {Bytes{9, 7}, Bytes{0x89, 0xC7}})
             QVERIFY(!MotionUtils::tryDecodeDiffMap(coded, small, &error) && error == noRoom);
-        QCOMPARE(MotionUtils().encodeDiffMap(nullptr, 10, -1, 15, small.data()), 2);
+        QCOMPARE(MotionUtils().encodeDiffMap(nullptr, -10, -1, 15, small.data()), 2);
     }
 
     void bits() {
