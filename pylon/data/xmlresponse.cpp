@@ -3,6 +3,7 @@
 #include <pylon/data/internal/xmllimits.h>
 
 #include <QtCore/QDebug>
+#include <QtCore/QRegularExpression>
 #include <QtCore/QStringConverter>
 #include <QtCore/QStringTokenizer>
 #include <QtCore/QVarLengthArray>
@@ -16,36 +17,26 @@ namespace {
 
 // One step of a path.
 struct Component {
-    QStringView name;
+    QString name;
     unsigned int index = 0;
+    qsizetype end = 0;  // of the index in the text; -1 without one
 };
 
-bool isBracket(QChar c) {
-    return c == u'[' || c == u']';
+bool hasBrackets(QStringView part) {
+    return part.contains(u'[') || part.contains(u']');
 }
 
-bool isDigit(QChar c) {
-    return c >= u'0' && c <= u'9';
-}
-
-// What "([^\[\]]+)(?:\[([0-9]+)\])?" first finds in the part. Nothing for a part without a name, or
-// with an index of more than 32 bits.
-std::optional<Component> parseComponent(QStringView part) {
-    const auto begin = std::find_if_not(part.begin(), part.end(), isBracket);
-    const auto end = std::find_if(begin, part.end(), isBracket);
-    if (begin == end)
+// Nothing for a part without a name, or with an index of more than 32 bits.
+std::optional<Component> parseComponent(const QString& part) {
+    static const QRegularExpression pattern(QStringLiteral("([^\\[\\]]+)(?:\\[([0-9]+)\\])?"));
+    const QRegularExpressionMatch match = pattern.match(part);
+    if (!match.hasMatch())
         return std::nullopt;
-    const Component first{QStringView(begin, end)};
-    const QStringView rest(end, part.end());
-    const qsizetype close = rest.indexOf(u']');
-    if (close < 2)
-        return first;
-    const QStringView digits = rest.sliced(1, close - 1);
-    if (!std::all_of(digits.begin(), digits.end(), isDigit))
-        return first;
-    bool fits = false;
-    const unsigned int index = digits.toUInt(&fits);
-    return fits ? std::optional(Component{first.name, index}) : std::nullopt;
+    Component component{match.captured(1), 0, match.capturedEnd(2)};
+    bool fits = true;
+    if (match.hasCaptured(2))
+        component.index = match.capturedView(2).toUInt(&fits);
+    return fits ? std::optional(component) : std::nullopt;
 }
 
 char16_t asciiLower(char16_t c) {
@@ -77,7 +68,10 @@ const XmlResponseNode* childAt(const XmlResponseNode& parent, QStringView name,
 }
 
 const XmlResponseNode* child(const XmlResponseNode& parent, QStringView part) {
-    const std::optional<Component> component = parseComponent(part);
+    // A plain name is what the pattern would find in it; this way it costs no allocation.
+    if (!part.isEmpty() && !hasBrackets(part))
+        return childAt(parent, part, 0);
+    const std::optional<Component> component = parseComponent(part.toString());
     return component ? childAt(parent, component->name, component->index) : nullptr;
 }
 
@@ -178,11 +172,16 @@ QList<XmlResponseNode> XmlResponse::getAll(const XmlResponseNode& from, const QS
     const XmlResponseNode* const parent = find(from, parentPath);
     if (!parent)
         return {};
-    // Where something stands behind the name, that is an index or keeps one from being taken.
-    const std::optional<Component> component = parseComponent(name);
+    if (!name.isEmpty() && !hasBrackets(name))
+        return childrenNamed(*parent, name);
+
+    // With an index put behind it, the name either takes that as its own, or has one or cannot have
+    // one: then it stands for the same child whatever the index is.
+    const QString indexed = name.toString() + QLatin1String("[0]");
+    const std::optional<Component> component = parseComponent(indexed);
     if (!component)
         return {};
-    if (component->name.end() == name.end())
+    if (component->end == indexed.size() - 1)
         return childrenNamed(*parent, component->name);
     const XmlResponseNode* const only = childAt(*parent, component->name, component->index);
     return only ? QList<XmlResponseNode>{*only} : QList<XmlResponseNode>();
