@@ -47,8 +47,8 @@ void TileGrid::resizeEvent(QResizeEvent*) {
 }
 
 void TileGrid::arrange() {
-    unsigned int columns;
-    unsigned int rows;
+    unsigned int columns = 0;
+    unsigned int rows = 0;
     GenTools::bestGridLayoutDim(static_cast<unsigned int>(tiles_.size()), columns, rows);
     // Each cell keeps a gap at its right and lower edge, the last ones outside.
     const QRectF area = QRectF(rect()).adjusted(0, 0, gap, gap);
