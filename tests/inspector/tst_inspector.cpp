@@ -53,15 +53,15 @@ void addTables() {
             WireFrame{7, 1, 0, 0, 127, 0x16, 0, 5,
                       extensionBlock("S", "A\x1b]0;x\x07", B("\0\x01\x01\0ahb\n", 8))} +
             WireFrame{1, 1, (quint64{1} << 48) - 1, 21, 127, 0x45, 0, 5,
-                      extensionBlock("S", "門口 \xe2\x80\xae")} +
+                      extensionBlock("S", "門口 \xe2\x80\xaexyz")} +
             WireFrame{.track = 3},
         0,
         {R"(    OFFSET  TIME                            CAMERA              TRACK  TYPE  KEY  REC  RATE      SIZE   PAYLOAD  MARKS
          0  2026-11-15 08:00:00.000 CET       1 Gate                1  V     -    rec     5      1032      1000  hidden audio:1
       1032  2026-11-15 03:30:00.000 -03:30  65535 A rather lo…     12  \x7f  key  -       5        48         0  encrypted new-key
       1080  1970-01-01 00:00:00.000 UTC       7 A\x1b]0;x\x07       1  V     key  -       5        38         0  hidden dewarped marks:ahb\x0a
-      1118  +31701-12-16 03:26:08.850 CET     1 門口 \u202e         1  E     key  -       5        33         0  new-key
-      1151  2026-11-15 08:00:00.000 CET       1                     3  V     key  -       5        20         0
+      1118  +31701-12-16 03:26:08.850 CET     1 門口 \u202exyz      1  E     key  -       5        36         0  new-key
+      1154  2026-11-15 08:00:00.000 CET       1                     3  V     key  -       5        20         0
 
 CAMERA)"});
 
