@@ -6,17 +6,13 @@
 #include <pylon/log/logfilter.h>
 #include <pylon/log/logmacros.h>
 #include <pylon/log/logmanager.h>
-#include <pylon/platform/osal.h>
 #include <QtCore/QCryptographicHash>
 #include <QtCore/QDir>
 #include <QtCore/QRegularExpression>
-#include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
 #include <bit>
-#include <mutex>
 #include <stdexcept>
-#include <thread>
 
 using namespace pylon::plog;
 
@@ -26,30 +22,6 @@ LogClient<Network> client;
 
 void send(const char* message, unsigned int submods = 256) {
     client.log(Warn, "f", "f", nullptr, Arg(submods), Arg("%s"), "DUMMY_STR", "%s", message);
-}
-
-struct Sink : LogCustomInterface {
-    void logItem(const LogItem& item) override {
-        const std::lock_guard lock(mutex);
-        text += item.toCString() + '\n';
-    }
-    std::mutex mutex;
-    QByteArray text;
-};
-
-constexpr int threadCount = 8;
-
-/// Whether a log has every line of all threads whole and once, those of each thread in order, and
-/// besides them just the banner's two.
-bool isComplete(const QByteArray& log) {
-    int next[threadCount] = {};
-    for (const QByteArray& line : log.split('\n')) {
-        const int thread = line.mid(line.indexOf(": thread ") + 9, 1).toInt() % threadCount;
-        next[thread] += line.endsWith(": thread " + QByteArray::number(thread) + " – line " +
-                                      QByteArray::number(next[thread]));
-    }
-    return std::ranges::count(next, PYLON_STRESS_LINES) == threadCount &&
-           log.count('\n') == threadCount * PYLON_STRESS_LINES + 2;
 }
 
 }  // namespace
@@ -276,35 +248,6 @@ private slots:
         QVERIFY(!filter.isValid(fits, nullptr));  // and does not end the process
         for (const QString& text : {fits + 'x', "Gui Network{a," + fits + 'x', QString(128, u'ä')})
             QVERIFY(LogFilter::hasOverlongName(text));
-    }
-
-    void manyThreads() {
-        const QTemporaryDir dir;
-        const QString filePath = dir.filePath("file"), streamPath = dir.filePath("stream");
-        Sink sink;
-        FILE* stream = nullptr;
-        QCOMPARE(osal::fopen(&stream, streamPath, "wb"), 0);
-        const auto logFile = QSharedPointer<LogFile>::create(filePath, QIODevice::Append, false);
-        logFile->setMaxFileSize(LogFile::maxMaxFileSize);
-        manager->clearRawDevices();
-        manager->clearLogDevices();
-        manager->addLogDevice(logFile);
-        manager->addLogDevice(QSharedPointer<LogConsole>::create(stream));
-        manager->addLogDevice(QSharedPointer<LogCustom>::create(&sink));
-        std::vector<std::jthread> threads;
-        for (int t = 0; t < threadCount; ++t) {
-            threads.emplace_back([t] {
-                for (int i = 0; i < PYLON_STRESS_LINES; ++i)
-                    PLOG_WARN(client, &client, "thread %d – line %d", t, i);
-            });
-        }
-        threads.clear();
-        manager->clearLogDevices();
-        logFile->flush();
-        std::fclose(stream);
-        QFile file(filePath), copy(streamPath);
-        QVERIFY(file.open(QIODevice::ReadOnly) && copy.open(QIODevice::ReadOnly));
-        QVERIFY(isComplete(file.readAll()) && isComplete(copy.readAll()) && isComplete(sink.text));
     }
 };
 
