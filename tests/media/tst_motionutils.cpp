@@ -63,10 +63,11 @@ private slots:
             QCOMPARE(MotionUtils::encodeMask(mask.rows(), width, 90), text);
         }
         Mask mask(0);
-        mask.rows()[1][15] = '\x80';  // as good as 1
         const auto textOf = [&mask](int width, int height) {
             return MotionUtils::encodeMask(mask.rows(), width, height);
         };
+        QCOMPARE(textOf(16, 16), "0");
+        mask.rows()[1][15] = '\x80';  // as good as 1
         QCOMPARE(textOf(-5, 1000), "A0aCA");
         QCOMPARE(textOf(1000, 90), "z0dZA");
         QCOMPARE(textOf(65, 90), "0bYA");
