@@ -3,7 +3,6 @@
 #include <QtCore/QtGlobal>
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstring>
 
@@ -11,38 +10,54 @@ namespace pylon {
 
 namespace {
 
-using ExpansionTable = std::array<qint16, 256>;
+// Both laws are arithmetic, done in 16 bits where it can be, because that compiles to vectors while
+// look-ups in tables do not. Each of the eight segments of a law starts at a power of two and has
+// sixteen equal steps, just as an exponent of a floating-point number and the four bits behind it:
+// a code without its sign, moved to these bits, is the number it stands for.
+constexpr int stepShift = 19;
+constexpr int exponentBits = 4;
+constexpr qint32 exponentOf128 = 127 + 7;
+constexpr qint32 segmentOf128 = exponentOf128 << exponentBits;
+constexpr qint32 halfStep = qint32{1} << (stepShift - 1);
 
 constexpr int muLawBias = 132;
 constexpr int evenBits = 0x55;
 constexpr int signBit = 0x80;
 
-constexpr int expandMuLaw(unsigned code) {
-    const unsigned bits = ~code;
-    const int magnitude = static_cast<int>((bits & 0x0F) * 8 + muLawBias) << (bits >> 4 & 7);
-    return (bits & 0x80) != 0 ? muLawBias - magnitude : magnitude - muLawBias;
+// The middle of a step, of at least 128.
+qint16 magnitudeOf(qint16 segmentAndStep) {
+    const qint32 bits = ((segmentAndStep + segmentOf128) << stepShift) + halfStep;
+    return static_cast<qint16>(std::bit_cast<float>(bits));
 }
 
-constexpr int expandALaw(unsigned code) {
-    const unsigned bits = code ^ unsigned { evenBits };
-    const unsigned segment = bits >> 4 & 7;
-    const int step = static_cast<int>(bits & 0x0F) * 16;
-    const int magnitude = segment == 0 ? step + 8 : (step + 264) << (segment - 1);
-    return (bits & 0x80) != 0 ? magnitude : -magnitude;
-}
-
-// Segment and step of a magnitude of at least 128. Each segment starts at a power of two and has
-// sixteen equal steps, as the exponent and the first bits behind it of a floating-point number do.
-// Arithmetic, done in 16 bits where it can be, compiles to vectors; look-ups do not.
-qint16 segmentAndStep(qint16 magnitude) {
-    constexpr int exponentOf128 = 127 + 7;
+// Segment and step of a magnitude of at least 128.
+qint16 segmentAndStepOf(qint16 magnitude) {
     const auto bits = std::bit_cast<qint32>(static_cast<float>(magnitude));
-    return static_cast<qint16>((bits >> 19) - exponentOf128 * 16);
+    return static_cast<qint16>((bits >> stepShift) - segmentOf128);
 }
 
-// -1 for a negative sample, else 0.
+// All bits set for a negative sample, else none.
 qint16 signOf(qint16 sample) {
     return static_cast<qint16>(sample >> 15);
+}
+
+qint16 withSign(qint16 magnitude, int sign) {
+    return static_cast<qint16>((magnitude ^ sign) - sign);
+}
+
+qint16 expandMuLaw(quint8 code) {
+    const int bits = code ^ 0xFF;
+    const qint16 magnitude = magnitudeOf(static_cast<qint16>(bits & 0x7F));
+    return withSign(static_cast<qint16>(magnitude - muLawBias), -(bits >> 7));
+}
+
+qint16 expandALaw(quint8 code) {
+    // The first segment has the steps of the second, and starts 256 lower.
+    const int bits = code ^ evenBits;
+    const auto segmentAndStep = static_cast<qint16>(bits & 0x7F);
+    const int inFirst = signOf(static_cast<qint16>(segmentAndStep - 16));
+    const qint16 magnitude = magnitudeOf(static_cast<qint16>(segmentAndStep + (inFirst & 16)));
+    return withSign(static_cast<qint16>(magnitude - (inFirst & 256)), (bits >> 7) - 1);
 }
 
 quint8 compressMuLaw(qint16 sample) {
@@ -50,7 +65,7 @@ quint8 compressMuLaw(qint16 sample) {
     const qint16 sign = signOf(sample);
     const qint16 size = std::min(static_cast<qint16>(sample ^ sign), largest);
     const auto magnitude = static_cast<qint16>(size + muLawBias - sign);
-    return static_cast<quint8>(segmentAndStep(magnitude) ^ (0xFF ^ (sign & signBit)));
+    return static_cast<quint8>(segmentAndStepOf(magnitude) ^ (0xFF ^ (sign & signBit)));
 }
 
 quint8 compressALaw(qint16 sample) {
@@ -62,20 +77,17 @@ quint8 compressALaw(qint16 sample) {
     // Unsigned, so that the magnitudes that are negative themselves end in the last step.
     const auto quotient = static_cast<qint16>(static_cast<quint16>(magnitude) >> 4);
     const int step = std::min(quotient, lastStep) - lastStep;
-    const int code = segmentAndStep(std::max(magnitude, firstSegmentEnd)) + step;
+    const int code = segmentAndStepOf(std::max(magnitude, firstSegmentEnd)) + step;
     return static_cast<quint8>(code ^ (signBit ^ evenBits ^ (sign & signBit)));
 }
 
 template <typename Law>
-constexpr ExpansionTable expansionTable(Law expand) {
-    ExpansionTable table{};
-    for (unsigned code = 0; code < table.size(); ++code)
-        table[code] = static_cast<qint16>(expand(code));
-    return table;
+void expand(Law law, const std::byte* codes, std::byte* pcm, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const qint16 sample = law(std::to_integer<quint8>(codes[i]));
+        std::memcpy(pcm + i * sizeof sample, &sample, sizeof sample);
+    }
 }
-
-constexpr ExpansionTable muLawExpansion = expansionTable(expandMuLaw);
-constexpr ExpansionTable aLawExpansion = expansionTable(expandALaw);
 
 template <typename Law>
 void compress(Law law, const std::byte* pcm, std::byte* codes, std::size_t count) {
@@ -90,14 +102,11 @@ void compress(Law law, const std::byte* pcm, std::byte* codes, std::size_t count
 
 std::size_t expandG711(G711Law law, std::span<const std::byte> codes,
                        std::span<std::byte> pcm) noexcept {
-    const ExpansionTable& table = law == G711Law::MuLaw ? muLawExpansion : aLawExpansion;
     const std::size_t count = std::min(codes.size(), pcm.size() / sizeof(qint16));
-    const std::byte* const from = codes.data();
-    std::byte* const to = pcm.data();
-    for (std::size_t i = 0; i < count; ++i) {
-        const qint16 sample = table[std::to_integer<quint8>(from[i])];
-        std::memcpy(to + i * sizeof sample, &sample, sizeof sample);
-    }
+    if (law == G711Law::MuLaw)
+        expand([](quint8 code) { return expandMuLaw(code); }, codes.data(), pcm.data(), count);
+    else
+        expand([](quint8 code) { return expandALaw(code); }, codes.data(), pcm.data(), count);
     return count;
 }
 
