@@ -37,9 +37,6 @@ PylonSDKInfo* LogManager::log_info_instance_ = nullptr;
 namespace {
 
 constexpr unsigned int initialLevels = Info | Warn | Error;
-// Bits 0 to 7 of a sub-module mask are not sub-modules and keep their value.
-constexpr unsigned int notSubModules = 0xFF;
-constexpr unsigned int allSubModules = ~notSubModules;
 
 void reportThrow(const char* what) {
     static std::once_flag once;
@@ -259,7 +256,7 @@ void LogManager::resetFilter() {
 void LogManager::unsetAll() {
     enabledModules_ = 0;
     for (auto entry = modules_.cbegin(); entry != modules_.cend(); ++entry)
-        enabledSubmodules(entry.key()) &= notSubModules;
+        enabledSubmodules(entry.key()) &= ~allSubModules;
 }
 
 QString LogManager::logStartupHeader() {

@@ -35,6 +35,8 @@ enum Module : unsigned int {
 
 /// The sub-module of log calls that name none.
 inline constexpr unsigned int defaultSubModule = 256;
+/// Mask of every sub-module that a module can have. Bits 0 to 7 are none and survive every filter.
+inline constexpr unsigned int allSubModules = 0xFFFFFF00;
 
 /// One module with its display name and its named sub-modules.
 ///

@@ -51,7 +51,6 @@ constexpr ModuleRow moduleTable[] = {
 }  // namespace
 
 void LogManager::registerModules() {
-    constexpr unsigned int allSubModules = 0xFFFFFF00;
     for (const ModuleRow& row : moduleTable) {
         const auto module = QSharedPointer<LogModule>::create(row.module, row.name);
         for (const SubModuleRow& subModule : row.subModules) {
