@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QtCore/QByteArray>
+#include "../files.h"
+
 #include <QtCore/QByteArrayList>
-#include <QtCore/QFile>
 #include <QtCore/QProcess>
 #include <QtCore/QStringList>
 
@@ -23,16 +23,6 @@ inline Run inspect(const QStringList& arguments, const QByteArray& input = {}) {
     if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit)
         return {};
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
-}
-
-inline QByteArray readAll(const QString& name) {
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-inline bool writeAll(const QString& name, const QByteArray& content) {
-    QFile file(name);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
 
 // The first of the texts that the output does not have: "=text" is all of it, "!text" must not be

@@ -1,3 +1,5 @@
+#include "../files.h"
+
 #include <pylon/log/assertions.h>
 #include <pylon/log/logconsole.h>
 #include <pylon/log/logfile.h>
@@ -47,14 +49,12 @@ const struct {
 /// In a process of its own, whose log file gathers lines in memory and whose console does not.
 QString runRow(int row) {
     const QTemporaryDir dir;
-    QFile log(dir.filePath("log"));
+    const QString log = dir.filePath("log");
     QProcess process;
-    process.start(QCoreApplication::applicationFilePath(),
-                  {"--row", QString::number(row), log.fileName()});
+    process.start(QCoreApplication::applicationFilePath(), {"--row", QString::number(row), log});
     process.waitForFinished(60'000);
-    log.open(QIODevice::ReadOnly);
     QString words;
-    for (const QByteArray& line : log.readAll().replace(__FILE__, "f.cpp").split('\n'))
+    for (const QByteArray& line : readAll(log).replace(__FILE__, "f.cpp").split('\n'))
         if (line.contains("][  PylonSDK]["))
             words += line.mid(18, 5) + ' ' + line.mid(line.indexOf("]  ") + 1).simplified() + '\n';
     if (process.readAllStandardOutput().count("][  PylonSDK][") != words.count('\n'))

@@ -1,3 +1,4 @@
+#include "../files.h"
 #include "recorder.h"
 
 #include <pylon/log/logfile.h>
@@ -21,20 +22,10 @@ void write(LogFile& file, const Messages& messages) {
         file.write(LogItem(Info, Network, 256, "Network", "f", "f", nullptr, {}, message));
 }
 
-void create(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-}
-
-QByteArray content(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<no file>");
-}
-
 /// The messages of the whole lines of a log, in order; "?" for a line that is none.
 Messages messages(const QString& path) {
     Messages result;
-    for (const QByteArray& line : content(path).split('\n'))
+    for (const QByteArray& line : readAll(path).split('\n'))
         result += line.contains("[ INFO][   Network]") ? line.mid(line.indexOf(": ") + 2) : "?";
     return result.mid(0, result.size() - 1);
 }
@@ -91,11 +82,11 @@ private slots:
     }
 
     void openModesAndLimits() {
-        create(path, "before\n");
+        QVERIFY(writeAll(path, "before\n"));
         write(*open(QIODevice::Append), {"appended"});
         const QRegularExpression whole(
             "^before\n\\[.*: appended\n#{34} PylonSDK .* Shutdown .* #{31}$");
-        QVERIFY(whole.match(content(path)).hasMatch());
+        QVERIFY(whole.match(readAll(path)).hasMatch());
         LogFile file(path, QIODevice::WriteOnly, true);
         QVERIFY(file.fileSize() == 0 && file.maxFileSize() == 104'857'600);
         file.setMaxFileSize(2'000'000'000);
@@ -111,12 +102,12 @@ private slots:
             init();
             path = dir->filePath(name.key());
             older = dir->filePath(name.value());
-            create(older, "oldest");
-            create(path, QByteArray(limit, 'a'));
+            QVERIFY(writeAll(older, "oldest"));
+            QVERIFY(writeAll(path, QByteArray(limit, 'a')));
             const auto file = open(QIODevice::Append, false);
             write(*file, numbers(0, 1));
             file->flush();
-            QCOMPARE(content(older), "oldest");
+            QCOMPARE(readAll(older), "oldest");
             write(*file, numbers(1, 2));
             QCOMPARE(messages(older), numbers(0, 1));
             write(*file, numbers(2, 6000));
@@ -125,7 +116,7 @@ private slots:
             kept.removeAll("?");
             QVERIFY(kept.size() > 2600);
             QCOMPARE(kept, numbers(6000 - int(kept.size()), 6000));
-            QVERIFY(content(path).startsWith(banner + '['));
+            QVERIFY(readAll(path).startsWith(banner + '['));
             QCOMPARE(QDir(dir->path()).entryList(QDir::Files).size(), 2);
             file->setRotateFile(false);
             QVERIFY(logged(*file, numbers(0, 3000)).size() > 3000);
@@ -136,7 +127,7 @@ private slots:
     void changeOfFolder() {
         for (const bool isLink : {false, true}) {
             init();
-            create(other + "/app.log", "in the way");
+            QVERIFY(writeAll(other + "/app.log", "in the way"));
             if (isLink && (QDir::separator() != u'/' || !QFile::link(other + "/app.log", path)))
                 return;  // no symbolic links here
             const auto file = QSharedPointer<LogFile>::create(path, QIODevice::Append, true);
@@ -176,7 +167,7 @@ private slots:
 
     void olderFileCannotBeReplaced() {
         QVERIFY(QDir().mkpath(older + "/occupied"));
-        create(path, QByteArray(limit + 1, 'a') + '\n');
+        QVERIFY(writeAll(path, QByteArray(limit + 1, 'a') + '\n'));
         const auto file = open();
         QCOMPARE(logged(*file, {"0"}), Messages({"?", "0"}));
         QVERIFY(QDir(older).removeRecursively());

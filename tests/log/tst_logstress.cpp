@@ -1,3 +1,5 @@
+#include "../files.h"
+
 #include <pylon/log/logconsole.h>
 #include <pylon/log/logcustom.h>
 #include <pylon/log/logfile.h>
@@ -28,11 +30,6 @@ struct Sink : LogCustomInterface {
     QByteArray text;
 };
 
-QByteArray content(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll().replace("\r\n", "\n") : QByteArray();
-}
-
 QByteArray timeOfDay() {
     char text[64];
     return {text, pylon::Timestamp(true).toDefaultString(text, sizeof text)};
@@ -40,9 +37,9 @@ QByteArray timeOfDay() {
 
 /// The first line of a log of all threads that is not whole, in the order of its thread and from
 /// between two moments of the day; empty when every line is there.
-QByteArray fault(const QByteArray& log, const QByteArray& from, const QByteArray& to) {
+QByteArray fault(QByteArray log, const QByteArray& from, const QByteArray& to) {
     int next[threadCount] = {};
-    for (const QByteArray& line : log.split('\n')) {
+    for (const QByteArray& line : log.replace("\r\n", "\n").split('\n')) {
         const qsizetype at = line.indexOf(": thread ");
         if (at < 0)
             continue;
@@ -101,7 +98,7 @@ private slots:
         manager->clearLogDevices();
         file->flush();
         QCOMPARE(osal::pclose(pipe), 0);
-        for (const QByteArray& log : {content(filePath), content(pipePath), sink.text})
+        for (const QByteArray& log : {readAll(filePath), readAll(pipePath), sink.text})
             QCOMPARE(fault(log, from, to), "");
     }
 
@@ -118,7 +115,7 @@ private slots:
         process.kill();
         QVERIFY(process.waitForFinished(30'000));
         output += process.readAllStandardOutput();
-        const QList<QByteArray> lines = content(path).split('\n');
+        const QList<QByteArray> lines = readAll(path).split('\n');
         QVERIFY(lines.size() > output.count('\n'));
         for (qsizetype i = 2; i < lines.size() - 1; ++i)  // behind the banner
             QVERIFY2(lines[i].endsWith(": number " + QByteArray::number(i - 2) + " end"), lines[i]);
@@ -130,9 +127,8 @@ int main(int argc, char** argv) {
     if (argc == 3 && qstrcmp(argv[1], "--forever") == 0)
         return logForever(argv[2]);
     if (argc == 3 && qstrcmp(argv[1], "--copy") == 0) {
-        QFile input, output(argv[2]);
-        const bool opened = input.open(stdin, QFile::ReadOnly) && output.open(QFile::WriteOnly);
-        return opened && output.write(input.readAll()) > 0 ? 0 : 1;
+        QFile input;
+        return input.open(stdin, QFile::ReadOnly) && writeAll(argv[2], input.readAll()) ? 0 : 1;
     }
     TestLogStress test;
     return QTest::qExec(&test, argc, argv);
