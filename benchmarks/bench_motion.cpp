@@ -1,116 +1,25 @@
-// Codecs of speech and motion beside libavcodec, zlib and the plain way to read codes. All material
-// comes from the sample recording: speech as it is, masks and difference maps from what moves
-// between its pictures.
+// Masks beside zlib and difference maps beside the plain way to read codes, both made from what
+// moves between the pictures of the sample recording.
 
 #define ZLIB_CONST
 
+#include "recordedmedia.h"
+
 #include <benchmark/benchmark.h>
-#include <pylon/media/audioutils.h>
-#include <pylon/media/image.h>
 #include <pylon/media/internal/diffmapcodes.h>
 #include <pylon/media/motionutils.h>
 #include <zlib.h>
-#include <QtCore/QFile>
-
-extern "C" {
-#include <libavcodec/avcodec.h>
-}
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdlib>
-#include <memory>
-#include <stdexcept>
 #include <string>
-#include <vector>
 
 using namespace pylon;
 
 namespace {
 
 constexpr quint32 cameraChannel = 0x10001;
-constexpr int samplesPerSecond = 8000;
-
-void require(bool condition, const char* what) {
-    if (!condition)
-        throw std::runtime_error(what);
-}
-
-// One of libavcodec's coders with its buffers, set up for speech.
-class Avcodec {
-public:
-    explicit Avcodec(const AVCodec* codec) : context_(avcodec_alloc_context3(codec)) {
-        context_->sample_rate = samplesPerSecond;
-        context_->sample_fmt = AV_SAMPLE_FMT_S16;
-        context_->ch_layout = AV_CHANNEL_LAYOUT_MONO;
-        context_->time_base = {1, samplesPerSecond};
-        require(avcodec_open2(context_.get(), codec, nullptr) == 0, "libavcodec");
-    }
-
-    // The frame is valid until the next call.
-    const AVFrame& decode(const QByteArray& bytes) {
-        packet_->data = reinterpret_cast<uint8_t*>(const_cast<char*>(bytes.constData()));
-        packet_->size = static_cast<int>(bytes.size());
-        require(avcodec_send_packet(context_.get(), packet_.get()) == 0, "libavcodec");
-        require(avcodec_receive_frame(context_.get(), frame_.get()) == 0, "libavcodec");
-        return *frame_;
-    }
-
-    // The samples are handed over without a copy.
-    const AVPacket& encode(const QByteArray& pcm) {
-        frame_->format = AV_SAMPLE_FMT_S16;
-        frame_->ch_layout = AV_CHANNEL_LAYOUT_MONO;
-        frame_->sample_rate = samplesPerSecond;
-        frame_->nb_samples = static_cast<int>(pcm.size() / 2);
-        const auto bytes = reinterpret_cast<uint8_t*>(const_cast<char*>(pcm.constData()));
-        AVBufferRef* const buffer = av_buffer_create(
-            bytes, static_cast<std::size_t>(pcm.size()), [](void*, uint8_t*) {}, nullptr,
-            AV_BUFFER_FLAG_READONLY);
-        frame_->buf[0] = buffer;
-        frame_->data[0] = bytes;
-        frame_->linesize[0] = static_cast<int>(pcm.size());
-        require(avcodec_send_frame(context_.get(), frame_.get()) == 0, "libavcodec");
-        av_frame_unref(frame_.get());
-        require(avcodec_receive_packet(context_.get(), packet_.get()) == 0, "libavcodec");
-        return *packet_;
-    }
-
-private:
-    struct Free {
-        void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
-        void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-        void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-    };
-
-    std::unique_ptr<AVCodecContext, Free> context_;
-    std::unique_ptr<AVFrame, Free> frame_{av_frame_alloc()};
-    std::unique_ptr<AVPacket, Free> packet_{av_packet_alloc()};
-};
-
-std::vector<Image> recordedFrames() {
-    QFile file(QStringLiteral(PYLON_GATE_RECORDING));
-    require(file.open(QIODevice::ReadOnly), "sample recording");
-    std::vector<Image> frames;
-    while (!file.atEnd()) {
-        quint32 size = 0;
-        Image().determineSizeFromFile(file, size);
-        frames.emplace_back(file.read(size));
-    }
-    return frames;
-}
-
-// Speech of this duration: that of the recording, over and over.
-QByteArray speech(AudioSubTypes subType, int seconds) {
-    QByteArray recorded;
-    for (const Image& frame : recordedFrames()) {
-        if (frame.type() == 'a' && (frame.flags() & 0x0F) == subType)
-            recorded += frame.payload();
-    }
-    require(!recorded.isEmpty(), "speech in the recording");
-    const qsizetype size = qsizetype{seconds} * samplesPerSecond;
-    return recorded.repeated(size / recorded.size() + 1).first(size);
-}
 
 // How much each cell of a grid changes between two pictures, 0-255.
 using MotionGrid = std::vector<unsigned char>;
@@ -193,55 +102,6 @@ void countCells(benchmark::State& state, std::size_t cells) {
     state.counters["cells_per_ns"] = benchmark::Counter(
         static_cast<double>(cells) * static_cast<double>(state.iterations()) / 1e9,
         benchmark::Counter::kIsRate);
-}
-
-struct Law {
-    const char* name;
-    AudioSubTypes subType;
-    AVCodecID codec;
-};
-
-constexpr Law laws[] = {{"MuLaw", AudioG711U, AV_CODEC_ID_PCM_MULAW},
-                        {"ALaw", AudioG711A, AV_CODEC_ID_PCM_ALAW}};
-
-void registerExpansion(const Law& law, const std::string& group, int seconds) {
-    benchmark::RegisterBenchmark((group + "/AudioUtils").c_str(), [=](benchmark::State& state) {
-        Image frame;
-        frame.setType('a');
-        frame.setFlags(static_cast<quint8>(law.subType));
-        frame.setPayload(speech(law.subType, seconds));
-        for (auto _ : state)
-            benchmark::DoNotOptimize(AudioUtils::decode(frame).payload().constData());
-    });
-    benchmark::RegisterBenchmark((group + "/Peer_Libavcodec").c_str(),
-                                 [=](benchmark::State& state) {
-                                     const QByteArray codes = speech(law.subType, seconds);
-                                     Avcodec decoder(avcodec_find_decoder(law.codec));
-                                     for (auto _ : state)
-                                         benchmark::DoNotOptimize(decoder.decode(codes).data[0]);
-                                 });
-}
-
-void registerCompression(const Law& law, const std::string& group, int seconds) {
-    const auto pcm = [=] {
-        Image frame;
-        frame.setType('a');
-        frame.setFlags(static_cast<quint8>(law.subType));
-        frame.setPayload(speech(law.subType, seconds));
-        return AudioUtils::decode(frame).payload();
-    };
-    benchmark::RegisterBenchmark((group + "/AudioUtils").c_str(), [=](benchmark::State& state) {
-        const QByteArray samples = pcm();
-        for (auto _ : state)
-            benchmark::DoNotOptimize(AudioUtils::encode(law.subType, samples).constData());
-    });
-    benchmark::RegisterBenchmark((group + "/Peer_Libavcodec").c_str(),
-                                 [=](benchmark::State& state) {
-                                     const QByteArray samples = pcm();
-                                     Avcodec encoder(avcodec_find_encoder(law.codec));
-                                     for (auto _ : state)
-                                         benchmark::DoNotOptimize(encoder.encode(samples).data);
-                                 });
 }
 
 // Follows the bits of each code through a tree.
@@ -442,13 +302,6 @@ void registerMasks() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    for (const Law& law : laws) {
-        for (const int seconds : {1, 10, 60, 600}) {
-            const std::string of = std::string(law.name) + std::to_string(seconds) + "s";
-            registerExpansion(law, "Expand" + of, seconds);
-            registerCompression(law, "Compress" + of, seconds);
-        }
-    }
     for (const int step : {2, 4, 8, 15})
         registerDiffMaps(step);
     registerMasks();
