@@ -78,6 +78,7 @@ MainWindow::MainWindow() : zones_(zoneChoices()) {
     resize(780, 770);
 
     connect(&playback_, &Playback::positionChanged, this, &MainWindow::showPosition);
+    connect(&playback_, &Playback::played, this, &MainWindow::logEvents);
     connect(&playback_, &Playback::playingChanged, this, &MainWindow::showPlaying);
     showPlaying(false);
 }
@@ -143,7 +144,6 @@ bool MainWindow::open(const QString& path) {
         return false;
     title_->setText(recording->fileName);
     events_ = recording->events;
-    shownTime_ = recording->begin;
     grid_->setCameras(recording->cameras);
     grid_->setZone(zones_[zoneBox_->currentIndex()].zone);
     grid_->setKeepAspect(aspectBox_->isChecked());
@@ -178,11 +178,7 @@ void MainWindow::showPosition(int position) {
     slider_->setRange(0, playback_.duration());
     slider_->setValue(position);
     clock_->setText(clockText(position) + QLatin1String(" / ") + clockText(playback_.duration()));
-    const qint64 time = playback_.time();
-    grid_->showTime(time);
-    if (playback_.isPlaying())
-        logEvents(shownTime_, time);
-    shownTime_ = time;
+    grid_->showTime(playback_.time());
 }
 
 void MainWindow::showPlaying(bool playing) {
@@ -190,7 +186,6 @@ void MainWindow::showPlaying(bool playing) {
     playButton_->setToolTip(playing ? QStringLiteral("Pause") : QStringLiteral("Play"));
 }
 
-// Of those behind `from`, up to `to`.
 void MainWindow::logEvents(qint64 from, qint64 to) const {
     for (const Image& event : events_) {
         if (event.time() > from && event.time() <= to)

@@ -49,7 +49,6 @@ private:
     const QList<ZoneChoice> zones_;
     Playback playback_;
     QList<Image> events_;
-    qint64 shownTime_ = 0;
     QLabel* title_;
     QCheckBox* aspectBox_;
     QComboBox* zoneBox_;

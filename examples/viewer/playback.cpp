@@ -63,9 +63,11 @@ void Playback::toggle() {
 }
 
 void Playback::tick() {
+    const qint64 from = time();
     const qint64 position = startPosition_ + sinceStart_.elapsed();
     position_ = static_cast<int>(std::min<qint64>(position, duration_));
     emit positionChanged(position_);
+    emit played(from, time());
     if (position_ == duration_)
         pause();
 }

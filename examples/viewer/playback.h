@@ -35,6 +35,8 @@ public slots:
 
 signals:
     void positionChanged(int position);
+    /// Everything behind one time, up to another (1/300 s), was played rather than skipped.
+    void played(qint64 from, qint64 to);
     void playingChanged(bool playing);
 
 private:
