@@ -49,7 +49,6 @@ private slots:
             {"/R/Syste", "0 null"},
             {"/R/GRÖSSE", "1 2"}};
         const XmlResponse response(equipment, "");
-        QVERIFY2(response.isValid(), qPrintable(response.error().message));
         for (const auto& [path, expected] : rows) {
             const QString text = response.getText(path);
             const QString found = QString::number(response.getAll(path).size()) + ' ' +
@@ -61,9 +60,10 @@ private slots:
     void values() {
         XmlResponse response(equipment, "/R/Cameras");
         QStringList cameras, values;
+        // The prefix is for the root only.
         for (const XmlResponseNode& camera : response.getAll("/Camera"))
-            cameras += response.getAttribute("Id", camera, "") +  // the prefix is for the root only
-                       response.getText(camera, "/Camera/Name");
+            cameras +=
+                response.getAttribute("Id", camera, "") + response.getText(camera, "/Camera/Name");
         QCOMPARE(cameras, QStringList({"1Gate & yard", "2Hall 2 <rear>", "3"}));
 
         response.setPrefix("");
@@ -71,8 +71,7 @@ private slots:
             values += (response.getBool(value, "") ? "+" : "-") +
                       QString::number(response.getUInt(value, ""));
         QCOMPARE(values.join(' '), "+0 -0 -0 +0 +42 +0 +4294967295 +0");
-        const QString site = response.getAttribute("Site", "/R/System");
-        QVERIFY(site.isEmpty() && !site.isNull());
+        QVERIFY(!response.getAttribute("Site", "/R/System").isNull());
         QVERIFY(response.getAttribute("site", "/R/System").isNull());
         QVERIFY(response.getAttribute("Site", "/R/Nothing").isNull());
     }

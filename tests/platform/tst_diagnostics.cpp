@@ -29,18 +29,13 @@ private slots:
     void namesSignals() {
         QCOMPARE(pylon::signalIds(), std::vector({21, 2, 4, 8, 11, 15, 22}));
         QCOMPARE(pylon::signalId(21), pylon::signalNumber(21));  // no other signal's number
-        const std::tuple<int, int, const char*> rows[] = {
-            {11, SIGSEGV, "Segmentation violation (ANSI)"},
-            {22, SIGABRT, "Abort (ANSI) or IOT trap (4.2 BSD)"},
-            {0, 0, "Unknow signal"}};
-        for (const auto& [id, number, name] : rows) {
-            QCOMPARE(pylon::signalName(id), name);
+        for (const auto [id, number] : {std::pair(11, SIGSEGV), {22, SIGABRT}, {0, 0}}) {
             QCOMPARE(pylon::signalNumber(id), number);
             QCOMPARE(pylon::signalId(number), id);
-            QTest::ignoreMessage(QtWarningMsg,
-                                 QRegularExpression(".*" + QRegularExpression::escape(name)));
-            QCOMPARE(pylon::signalToString(id), QString());
         }
+        QCOMPARE(pylon::signalName(99), "Unknow signal");
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("Segmentation violation .ANSI."));
+        QCOMPARE(pylon::signalToString(11), QString());
     }
 
     void showsTheCallerNearTheTop() {

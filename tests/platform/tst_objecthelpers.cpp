@@ -13,72 +13,54 @@
 
 using namespace pylon;
 
-/// Counts the calls that reach the deferred deletion handler in the main thread.
-struct HandlerWatch : QObject {
-    bool eventFilter(QObject* object, QEvent*) override {
-        if (object->inherits("pylon::DeferredDeletionHandler"))
-            handler = object, ++calls;
-        return false;
-    }
-    QObject* handler = nullptr;
-    int calls = 0;
-};
-
 class TestObjectHelpers : public QObject {
     Q_OBJECT
 
 private slots:
     void requestsArriveOneByOne() {
-        HandlerWatch watch;
-        qApp->installEventFilter(&watch);
+        const QPointer<QObject> object = new QObject;
+        pylon::deleteLater(object);
+        QCoreApplication::processEvents();
+        QVERIFY(object);  // left to a loop further out, unless asked for
+        qApp->installEventFilter(this);
         DeferredDeletionHandler::queueRequest();
         const auto request = [] {
             for (int i = 0; i < 50; ++i)
                 requestProcessDeleteLaterEvents();
         };
-        std::thread one(request), another(request);
-        one.join(), another.join();
+        { const std::jthread one(request), another(request); }
         QCoreApplication::processEvents();
-        QCOMPARE(watch.calls, 101);
-
-        // What it does, without an event loop that would do so anyway.
-        QMetaObject::invokeMethod(
-            this, [this] { setObjectName("called"); }, Qt::QueuedConnection);
-        QVERIFY(QMetaObject::invokeMethod(watch.handler, "processDeleteLaterEvents"));
-        QCOMPARE(objectName(), "called");
+        QVERIFY(!object);
+        QCOMPARE(calls_, 101);
     }
 
-    void deletesLater() {
+    void logsWhatItDeletes() {
         auto* const log = plog::LogManager::instance();
         const auto recorder = QSharedPointer<Recorder>::create();
         log->addRawDevice(recorder);
-        const QPointer<QObject> plain = new QObject, traced = new QObject, untraced = new QObject;
+        const QPointer<QObject> quiet = new QObject, traced = new QObject;
         traced->setObjectName("tile");
+        log->setLogLevel(plog::Debug);
+        deleteLaterSafely(quiet);
         log->setLogLevel(plog::Trace);
-        pylon::deleteLater(plain);
         deleteLaterSafely(traced);
         log->unsetAll();
         deleteLaterSafely(new QObject);
-        log->resetFilter();
-        log->setLogLevel(plog::Debug);
-        deleteLaterSafely(untraced);
         const QByteArray tail = QByteArray::number(quintptr(traced.data()), 16) + " [tile]";
-        QVERIFY(plain && untraced);
+        QVERIFY(quiet && traced);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(!plain && !traced && !untraced);
+        QVERIFY(!quiet && !traced);
 
         QCOMPARE(recorder->items.size(), 1);
         const plog::LogItem& item = recorder->items[0];
         QVERIFY(item.logLevel() == plog::Trace && item.module() == plog::Logic);
-        QVERIFY(item.rawMessage().startsWith("Object: "));
         QVERIFY(item.rawMessage().toLower().endsWith(tail));
         QCOMPARE(item.function(), "pylon::deleteLaterSafely");
     }
 
     void blockersNest() {
-        const SignalBlocker none(nullptr);
         {
-            const SignalBlocker outer(this);
+            const SignalBlocker none(nullptr), outer(this);
             { const SignalBlocker inner(this); }
             QVERIFY(signalsBlocked());
         }
@@ -87,7 +69,6 @@ private slots:
 
     void consoleReaderEndsAtOnce() {
         ConsoleReader reader;
-        QVERIFY(reader.metaObject()->indexOfSignal("KeyPressed(char)") >= 0);
         reader.start();
         QVERIFY(reader.wait(60'000));
     }
@@ -100,6 +81,15 @@ private slots:
         loadQtPlugins({"Multimedia", "PylonTest"});
         QCOMPARE(qgetenv("PYLON_TEST_PLUGIN"), "loaded");
     }
+
+private:
+    /// Counts the requests that arrive at the handler.
+    bool eventFilter(QObject* object, QEvent*) override {
+        calls_ += object->inherits("pylon::DeferredDeletionHandler") ? 1 : 0;
+        return false;
+    }
+
+    int calls_ = 0;
 };
 
 QTEST_MAIN(TestObjectHelpers)
