@@ -47,7 +47,7 @@ private slots:
             {"/R/[]", "0 null"},
             {"/R//V", "0 null"},
             {"/R/Syste", "0 null"},
-            {"/R/GRÖSSE", "1 2"}};
+            {"/R/grösse", "1 2"}};
         const XmlResponse response(equipment, "");
         for (const auto& [path, expected] : rows) {
             const QString text = response.getText(path);
@@ -94,7 +94,7 @@ private slots:
         const std::pair<QByteArray, QString> rows[] = {
             {"", "1:"},
             {"<R/>\n<V a='1", "2:"},
-            {"</a><a/>", "1:"},
+            {"</a><a/><!--", "1:"},
             {nested(256, "<a>"), "0:0 "},
             {nested(300'000, "<a>"), "1:768 Elements"},
             {nested(256, "<a>").insert(768, "\né<b/>"), "2:1 Elements"},

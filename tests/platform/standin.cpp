@@ -1,6 +1,6 @@
-// Prints what another program printed once: <own name>.txt of the folder that the variable
-// PYLON_STANDIN names, as soon as no file "hold" lies beside it; until then, <own name>.up does.
-// As ipconfig it wants to be asked for everything.
+// Prints what another program printed once: the file that the variable of its own name names, as
+// soon as there is no file that PYLON_STANDIN_HOLD names. As ipconfig it wants to be asked for
+// everything.
 
 #include <chrono>
 #include <cstdlib>
@@ -10,14 +10,12 @@
 #include <thread>
 
 int main(int argc, char** argv) {
-    const std::filesystem::path folder = std::getenv("PYLON_STANDIN");
     const std::string name = std::filesystem::path(argv[0]).stem().string();
     if (name == "ipconfig" && (argc < 2 || argv[1] != std::string("/all")))
         return 1;
-    while (std::filesystem::exists(folder / "hold")) {
-        std::ofstream(folder / (name + ".up"));
+    const char* const hold = std::getenv("PYLON_STANDIN_HOLD");
+    while (hold && std::filesystem::exists(hold))
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
     // Text on both sides: a system that ends lines in its own way does so twice, to the same end.
-    std::cout << std::ifstream(folder / (name + ".txt")).rdbuf();
+    std::cout << std::ifstream(std::getenv(name.c_str())).rdbuf();
 }

@@ -1,8 +1,8 @@
 #include <pylon/platform/querysysteminfo.h>
 #include <QtCore/QDir>
 #include <QtCore/QRegularExpression>
-#include <QtCore/QStandardPaths>
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QTemporaryFile>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
@@ -16,8 +16,7 @@ const QFileInfo standIn(QFileInfo(STANDIN_PROGRAM).absoluteFilePath());
 
 static QString recording(const QString& name) {
     QFile file(recordings.filePath(name));
-    file.open(QIODevice::ReadOnly);
-    return QString::fromUtf8(file.readAll());
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
 static QString without(QString text, const char* pattern) {
@@ -26,9 +25,10 @@ static QString without(QString text, const char* pattern) {
 
 /// The values, each with a line feed behind it.
 static QString shown(const SystemInfo& info) {
-    QStringList all = {info.hostName, info.osName, info.osVersion, info.systemType, info.productId};
-    all << info.bios << info.processors.join(", ") << info.totalPhysicalMemory;
-    return (all << info.availablePhysicalMemory << "").join('\n');
+    return QStringList({info.hostName, info.osName, info.osVersion, info.systemType, info.productId,
+                        info.bios, info.processors.join(", "), info.totalPhysicalMemory,
+                        info.availablePhysicalMemory, ""})
+        .join('\n');
 }
 
 static QString shown(const std::vector<NetworkInterface>& adapters) {
@@ -46,28 +46,17 @@ private slots:
         const QString text = recording("systeminfo-server.txt");
         const QString all = recording("systeminfo-server.expected");
         const auto upTo = [&](const char* label) { return text.left(text.indexOf(label)); };
-        const QString none(9, '\n'), one = "x Mhz" + none;
         const std::pair<QString, QString> rows[] = {
-            {text, all},
             {recording("systeminfo-german.txt"), recording("systeminfo-german.expected")},
             {without(text, ".* MB\r\n"), without(all, ".* MB")},
             {without(text, ".*Mhz\r\n"), without(all, ".*Mhz|HPE.*")},
             {without(text, "BIOS.*\r\n"), without(all, "HPE.*")},
             {upTo("BIOS"), without(all, "HPE.*|.* MB")},
             {upTo("Available"), without(all, "51.* MB")},
-            {upTo("Product"), without(all, "x64.*|004.*|HPE.*|.*Mhz|.* MB")},
-            {"16 MB:1", none},
-            {"-\n[01]:x Mhz:y", one},
-            {"-\n 001]:x Mhz", one},
-            {"-\n [01:x Mhz", one},
-            {"-\n []:x Mhz", one}};
+            {upTo("Product"), without(all, "x64.*|004.*|HPE.*|.*Mhz|.* MB")}};
         for (const auto& [output, expected] : rows) {
             SystemInfo info;
-            const SystemInfoFindings findings = parseSystemInfo(output, info);
-            QCOMPARE(shown(info), expected);
-            QCOMPARE(findings.memory, !info.totalPhysicalMemory.isEmpty());
-            QCOMPARE(findings.processors, !info.processors.isEmpty());
-            parseSystemInfo("no values", info);
+            parseSystemInfo(output, info);
             QCOMPARE(shown(info), expected);
         }
     }
@@ -75,66 +64,64 @@ private slots:
     void readsNetworkInfo() {
         const QString text = recording("ipconfig-desktop.txt");
         const QString all = recording("ipconfig-desktop.expected");
-        const QString start = text.left(text.indexOf("Ethernet"));
-        const std::pair<QString, QString> rows[] = {
-            {text, all},
-            {recording("ipconfig-labels-of-xp.txt"), recording("ipconfig-labels-of-xp.expected")},
-            {without(text, ".*Subnet.*\r\n"), without(all, "255.*")},
-            {start + "a:\nb:\n IP Address: 1\nc: x\n\r\n\tSubnet Mask: 2\nd",
-             "a\n\n1\n\nc\n\n\n\nd\n\n\n\n"},
-            {start + "a:\n IP Address: 1\n Subnet Mask: 2", "a\n\n\n2\n"},
-            {"1\n2\n3\na :\n \nb\nc", "a\n\n\n\nc\n\n\n\n"}};
-        for (const auto& [output, expected] : rows)
-            QCOMPARE(shown(parseNetworkInfo(output)), expected);
+        QCOMPARE(shown(parseNetworkInfo(without(text, ".*Subnet.*\r\n"))), without(all, "255.*"));
+        // The line behind a heading is passed over, also if it looks like one.
+        QCOMPARE(shown(parseNetworkInfo("1\n2\n3\na:\nb:\n IP Address: 1:9\nc\n\tIP Address: 2")),
+                 "a\n\n1\n\nc\n\n\n\n");
     }
 
-    // Comes before there is a stand-in for ipconfig: Windows has its own, other systems have none.
     void goesOnWithoutAnswers() {
-        const QTemporaryDir nothing;
-        useStandIns({"systeminfo"});
-        answer(nothing, "none", "none");
-        QTest::ignoreMessage(QtWarningMsg, "Couldn't find memory status");
-        QTest::ignoreMessage(QtWarningMsg, "Couldn't find CPU status");
         QuerySystemInfo query;
         QSignalSpy loaded(&query, &QuerySystemInfo::loaded);
-        query.load();
-        QTRY_COMPARE_WITH_TIMEOUT(loaded.size(), 1, patience);
-        QCOMPARE(query.network().empty(), QStandardPaths::findExecutable("ipconfig").isEmpty());
-
         cleanup();
-        query.load();  // now there is no stand-in at all
+        query.load();  // no stand-ins; Windows has programs of its own
+        QTRY_COMPARE_WITH_TIMEOUT(loaded.size(), 1, patience);
+
+        init();
+        answer("none", "none");
+        QTest::ignoreMessage(QtWarningMsg, "Couldn't find memory status");
+        QTest::ignoreMessage(QtWarningMsg, "Couldn't find CPU status");
+        query.load();
         QTRY_COMPARE_WITH_TIMEOUT(loaded.size(), 3, patience);
-        QVERIFY(!QuerySystemInfo::isMarlow());
     }
 
     // The first query answers last, and still for itself; the third has no time to.
     void queriesOvertakeEachOther() {
-        QTest::failOnWarning(QRegularExpression("QProcess"));
-        const QTemporaryDir slow, quick;
-        useStandIns({"systeminfo", "ipconfig"});
-        answer(slow, "systeminfo-german", "ipconfig-desktop");
-        QFile::copy(standIn.filePath(), slow.filePath("hold"));
+        QTest::failOnWarning(QRegularExpression());
+        QTemporaryFile hold;
+        QVERIFY(hold.open());
+        qputenv("PYLON_STANDIN_HOLD", QFile::encodeName(hold.fileName()));
+        answer("systeminfo-german", "ipconfig-desktop");
         QuerySystemInfo query;
         QSignalSpy loaded(&query, &QuerySystemInfo::loaded);
         query.load();
-        answer(quick, "systeminfo-server", "ipconfig-labels-of-xp");
+        qunsetenv("PYLON_STANDIN_HOLD");
+        answer("systeminfo-server", "ipconfig-labels-of-xp");
         query.load();
-        QVERIFY(!query.isLoaded());
-        QTRY_VERIFY_WITH_TIMEOUT(query.isLoaded(), patience);
-        QCOMPARE(loaded.size(), 1);
+        QVERIFY(!query.isLoaded() && !QuerySystemInfo::isMarlow());
+        QTRY_COMPARE_WITH_TIMEOUT(loaded.size(), 1, patience);
         QCOMPARE(shown(query.systemInfo()), recording("systeminfo-server.expected"));
         QCOMPARE(shown(query.network()), recording("ipconfig-labels-of-xp.expected"));
 
         QTest::ignoreMessage(QtWarningMsg, "Couldn't find CPU status");
-        QFile::rename(slow.filePath("hold"), quick.filePath("hold"));
+        hold.remove();
         QTRY_COMPARE_WITH_TIMEOUT(loaded.size(), 3, patience);
-        QCOMPARE(query.systemInfo().hostName, "TORWACHE");
-        QCOMPARE(query.systemInfo().processors.size(), 2);
+        QVERIFY(query.systemInfo().hostName == "TORWACHE" &&
+                query.systemInfo().processors.size() == 2);
         QCOMPARE(shown(query.network()), recording("ipconfig-labels-of-xp.expected") +
                                              recording("ipconfig-desktop.expected"));
 
+        qputenv("PYLON_STANDIN_HOLD", QFile::encodeName(tools_.path()));
         query.load();
-        QTRY_COMPARE_WITH_TIMEOUT(QDir(quick.path()).entryList({"*.up"}).size(), 2, patience);
+    }
+
+    /// Windows looks into the current folder before its own, and only then follows the path.
+    void init() {
+        for (const char* name : {"systeminfo", "ipconfig"})
+            QFile::copy(standIn.filePath(),
+                        tools_.filePath(standIn.fileName().replace("standin", name)));
+        QDir::setCurrent(tools_.path());
+        qputenv("PATH", QFile::encodeName(tools_.path() + QDir::listSeparator()) + path_);
     }
 
     void cleanup() {
@@ -143,20 +130,10 @@ private slots:
     }
 
 private:
-    /// Windows looks into the current folder before its own, and only then follows the path.
-    void useStandIns(const QStringList& names) {
-        for (const QString& name : names)
-            QFile::copy(standIn.filePath(),
-                        tools_.filePath(standIn.fileName().replace("standin", name)));
-        QDir::setCurrent(tools_.path());
-        qputenv("PATH", QFile::encodeName(tools_.path() + QDir::listSeparator()) + path_);
-    }
-
-    /// From now on stand-ins print these recordings; none where there is none of that name.
-    static void answer(const QTemporaryDir& dir, const QString& system, const QString& network) {
-        QFile::copy(recordings.filePath(system + ".txt"), dir.filePath("systeminfo.txt"));
-        QFile::copy(recordings.filePath(network + ".txt"), dir.filePath("ipconfig.txt"));
-        qputenv("PYLON_STANDIN", QFile::encodeName(dir.path()));
+    /// From now on stand-ins print these recordings; nothing where there is none of that name.
+    static void answer(const QString& system, const QString& network) {
+        qputenv("systeminfo", QFile::encodeName(recordings.filePath(system + ".txt")));
+        qputenv("ipconfig", QFile::encodeName(recordings.filePath(network + ".txt")));
     }
 
     const QTemporaryDir tools_;
