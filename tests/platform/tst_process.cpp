@@ -87,7 +87,7 @@ private slots:
     void showsTheCallerNearTheTop() {
         const QByteArray stack = stackOfKnownFunction(0);
         const QByteArray top = stack.split('\n').first(3).join();
-        QVERIFY2(top.contains("stackOfKnownFunction") && top.contains("process.cpp"), stack);
+        QVERIFY2(top.contains("stackOfKnownFunction") && top.contains("tst_process.cpp"), stack);
         QVERIFY(stackOfKnownFunction(600).count("stackOfKnownFunction") > 600);
     }
 
@@ -98,13 +98,12 @@ private slots:
         trace.print(QDir::tempPath().toLocal8Bit().toStdString());  // cannot be written
         trace.print(file.fileName().toLocal8Bit().toStdString());
         const QByteArray text = contentOf(file.fileName());
-        QVERIFY(text.contains("process.cpp") && !text.contains('@'));
+        QVERIFY(text.contains("tst_process.cpp") && !text.contains('@'));
     }
 
 #ifdef CRASH_PROGRAM
     void exampleReportsItsCrash() {
-        for (const auto& [how, signal] :
-             {std::pair("", "signal 11: S"), {"abort", "signal 22: A"}}) {
+        for (const auto& [how, signal] : {std::pair("", "signal 11:"), {"abort", "signal 22:"}}) {
             const QTemporaryDir dir;
             pylon::SynchronousProcess process;
             process.start(CRASH_PROGRAM, {dir.path(), how});
