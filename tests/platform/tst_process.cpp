@@ -63,13 +63,13 @@ private slots:
         osal::strcpy(buffer, 5, "four");
         osal::strcpy(buffer, 0, nullptr);
         QCOMPARE(QByteArray(buffer, 6), QByteArray("four\0#", 6));
+        osal::strcpy(buffer, 5, nullptr);
         QVERIFY(osal::strerror(whole, sizeof whole, ENOENT) == 0 && qstrlen(whole) > 4);
         osal::strerror(buffer, 4, ENOENT);
         QCOMPARE(QByteArray(buffer, 6), QByteArray(whole, 3) + QByteArray("\0\0#", 3));
         QCOMPARE(format(buffer, 5, "%s", "ten chars!"), 10);
         QCOMPARE(QByteArray(buffer, 6), QByteArray("ten \0#", 6));
         QCOMPARE(format(nullptr, 0, "%zu-%lld", std::size_t{7}, 8LL), 3);
-        QCOMPARE(format(nullptr, 0, nullptr), -1);
         QCOMPARE(osal::strtok(text, ";"), "one");
         QCOMPARE(osal::strtok(text, ";"), "one");  // starts afresh
         QVERIFY(!osal::strtok(none, ";") && !osal::strtok(nullptr, ";"));
