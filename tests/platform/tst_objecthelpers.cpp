@@ -57,8 +57,9 @@ private slots:
     }
 
     void blockersNest() {
+        const SignalBlocker none(nullptr);
         {
-            const SignalBlocker none(nullptr), outer(this);
+            const SignalBlocker outer(this);
             { const SignalBlocker inner(this); }
             QVERIFY(signalsBlocked());
         }
