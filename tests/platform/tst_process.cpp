@@ -1,3 +1,6 @@
+#include "../files.h"
+
+#include <pylon/platform/consolereader.h>
 #include <pylon/platform/osal.h>
 #include <pylon/platform/signals.h>
 #include <pylon/platform/stacktrace.h>
@@ -11,11 +14,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
-
-static QByteArray contentOf(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 static int format(char* buffer, std::size_t size, const char* text, ...) {
     va_list values;
@@ -46,13 +44,16 @@ private slots:
         QVERIFY(QFile::exists(path));
     }
 
-    void environmentAndChildren() {
+    void environmentChildrenAndConsole() {
         QVERIFY(!osal::getenv("PATH").isEmpty() && osal::getenv("PYLON_TEST_UNSET").isEmpty());
         FILE* pipe = osal::popen("echo ready && exit 3", "r");
         char line[16] = {};
         QVERIFY(std::fgets(line, sizeof line, pipe) && QByteArray(line).startsWith("ready"));
         QCOMPARE(osal::pclose(pipe), 3);
         QVERIFY(QMetaType::fromName("pylon::SynchronousProcess*").metaObject());
+        pylon::ConsoleReader reader;
+        reader.start();
+        QVERIFY(reader.wait(60'000));
     }
 
     // What does not fit with its terminator is left out or cut; nothing behind the size changes.
@@ -97,7 +98,7 @@ private slots:
         const pylon::StackTrace trace(nullptr);
         trace.print(QDir::tempPath().toLocal8Bit().toStdString());  // cannot be written
         trace.print(file.fileName().toLocal8Bit().toStdString());
-        const QByteArray text = contentOf(file.fileName());
+        const QByteArray text = readAll(file.fileName());
         QVERIFY(text.contains("tst_process.cpp") && !text.contains('@'));
     }
 
@@ -109,9 +110,9 @@ private slots:
             process.start(CRASH_PROGRAM, {dir.path(), how});
             QVERIFY(process.waitForFinished(60'000));
             QVERIFY(process.exitStatus() == QProcess::CrashExit || process.exitCode() != 0);
-            const QByteArray log = contentOf(dir.filePath("crash.log"));
+            const QByteArray log = readAll(dir.filePath("crash.log"));
             QVERIFY2(log.contains("about to crash") && log.contains(signal), log);
-            const QByteArray stack = contentOf(dir.filePath("crash.txt"));
+            const QByteArray stack = readAll(dir.filePath("crash.txt"));
             QVERIFY2(stack.contains("decodePicture") && stack.contains("crash.cpp"), stack);
         }
     }

@@ -1,3 +1,5 @@
+#include "../files.h"
+
 #include <pylon/platform/querysysteminfo.h>
 #include <QtCore/QDir>
 #include <QtCore/QRegularExpression>
@@ -13,8 +15,7 @@ const QDir recordings(QFileInfo(RECORDINGS).absoluteFilePath());
 const QFileInfo standIn(QFileInfo(STANDIN_PROGRAM).absoluteFilePath());
 
 static QString recording(const QString& name) {
-    QFile file(recordings.filePath(name));
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return QString::fromUtf8(readAll(recordings.filePath(name)));
 }
 
 static QString without(QString text, const char* pattern) {
