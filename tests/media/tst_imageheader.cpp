@@ -5,7 +5,6 @@
 #include <pylon/media/imagebase.h>
 #include <pylon/media/imageheader.h>
 #include <pylon/media/lyraimageheaderparserv4.h>
-#include <QtCore/QBuffer>
 #include <QtTest/QTest>
 
 #include <array>
@@ -39,12 +38,6 @@ QString describe(const ImageHeaderBase& header) {
         header.receivedEncrypted, header.newKeyRequired, header.flags, header.rate);
 }
 
-// Can neither seek nor tell its position, as a socket.
-struct Stream : QBuffer {
-    using QBuffer::QBuffer;
-    bool isSequential() const override { return true; }
-};
-
 }  // namespace
 
 class TestImageHeader : public QObject {
@@ -58,7 +51,7 @@ private slots:
             {goldenHeader, "93 29 9 | 10003 774a2ea435 -14 21 | 56 111 88 25", "d6"},
             {patched(empty, 16, "16"), "20 20 0 | 3 0 0 0 | 56 000 0 0", "56"},
             {patched(empty, 16, "96"), "20 20 0 | 3 0 0 0 | 56 110 0 0", "d6"},
-            {patched(empty, 14, "6fff40"), "20 20 0 | 3 0 -1 111 | 40 001 0 0", "40"}};
+            {patched(empty, 14, "6fff61"), "20 20 0 | 3 0 -1 111 | 61 001 0 0", "61"}};
         for (const auto& [data, fields, writtenType] : rows) {
             const ImageHeaderBase header(data);
             QByteArray out;
@@ -74,20 +67,17 @@ private slots:
             {empty, "", ""},
             {empty.first(3), "Unknown header protocol", "Header too small"},
             {empty.first(19), "Header too small", "Header too small"},
-            {hex("ffffffff"), "Protocol support dropped", "Header too small"},
             {patched(empty, 0, "ffffffff"), "Protocol support dropped", "Wrong header"},
             {patched(empty, 3, "40"), "Unknown header protocol", "Wrong header"},
             {patched(empty, 3, "84"), "Unknown header protocol", "Wrong header"},
             {patched(headerBytes(" "), 0, "14"), "Size mismatch", "Size mismatch"},
             {patched(empty, 0, "13"), "Size mismatch", "Size mismatch"},
             {headerBytes("abc").chopped(1), "Size mismatch", "Size mismatch"}};
-        ImageHeaderBase header;
         for (const auto& [data, detected, direct] : rows) {
+            ImageHeaderBase header;
             QCOMPARE(errorOf([&] { header.loadFromData(data); }), detected);
             QCOMPARE(errorOf([&] { parser.parseHeader(data, header); }), direct);
         }
-        errorOf([&] { parser.parseHeader(patched(goldenHeader, 3, "84"), header); });
-        QVERIFY(describe(header).startsWith("2214592605 "));  // as it was read
     }
 
     // What is in the slots stays where a block is silent: text appends, binary replaces.
@@ -96,11 +86,8 @@ private slots:
             {"", "s|c|a|d|b|m|t"},
             {"0000000000000000", "s|c|a|d|b|m|t"},
             {"5300 00 024142 1f0143 44", "sS|c|AB|C|bD|m|t"},
-            {"1f00 1f00 1f",
-             "||"
-             "|d|b|m|t"},
-            {"00 05", "s||a|d|b|m|t"},  // cut off
-            {"1fff 4142", "AB|c|a|d|b|m|t"},
+            {"1f00 1f", "||a|d|b|m|t"},
+            {"1fff 4142", "AB|c|a|d|b|m|t"},  // cut off
             {"2000 1e58", "s |X|a|d|b|m|t"},  // text from byte 32 on
             {"80ff1f01", "s\x80\xff\x1f\x01|c|a|d|b|m|t"},
             {"0141 0141 0141 0141 0141 0141 0141 0142", "A|A|A|A|A|A|A"}};
@@ -111,10 +98,6 @@ private slots:
             header.loadFromData(headerBytes(hex(block), 1) + "P");
             QCOMPARE(header.extensions.join('|'), after);
         }
-        ImageHeaderBase header;
-        header.extensions[0] = headerBytes(hex("0141 0142"));
-        header.loadFromData(header.extensions.at(0));  // the bytes may be its own
-        QCOMPARE(header.extensions.join('|'), "A|B|||||");
     }
 
     // Slots, and the block they make; null when they are too large.
@@ -124,16 +107,12 @@ private slots:
             {"||||||", ""},
             {"s|c|a|d|b|m|t", hex("7300 6300 0161 0164 0162 6d00 74")},
             {"||" + x.first(30) + "||||", hex("0000 1e") + x.first(30)},
-            {"||" + x.first(250) + "||||", hex("0000 1ffa") + x.first(250)},
+            {"||" + x.first(31) + "||||", hex("0000 1f1f") + x.first(31)},
             {"||||||" + x.first(248), hex("000000000000") + x.first(248)},
             {"||" + hex("0700") + "|||h|", hex("0000 020700 00 00 68")},
             {"|||" + hex("ff0000") + "|||", hex("000000 03ff")},
             {"||||" + QByteArray(300, '\0') + "||", hex("00000000 1f2c")},
-            {"||" + x.first(31) + "||||", hex("0000 1f1f") + x.first(31)},
-            {x + "||||||", {}},
-            {"||" + x.first(251) + "||||", {}},
-            {QByteArrayList(7, x.first(36)).join('|'), {}},
-            {"||||||" + QByteArray(1 << 22, 'x'), {}}};
+            {x + "||||||", {}}};
         for (const auto& [content, block] : rows) {
             ImageBase image;
             image.extensions = content.split('|');
@@ -148,16 +127,11 @@ private slots:
         }
     }
 
-    void sizeField() {
+    void patchesSize() {
         QByteArray frame(1000, 'x'), tooShort("xyz");
         parser.patchSize(frame);
         parser.patchSize(tooShort);
         QVERIFY(frame == hex("e8030080") + QByteArray(996, 'x') && tooShort == "xyz");
-        Stream stream(&frame);
-        quint32 size = 0;
-        QVERIFY(stream.open(QIODevice::ReadOnly));
-        parser.readSize(stream, size);
-        QVERIFY(size == 1000 && stream.read(8) == frame.first(8));
     }
 
     void handles() {
@@ -168,36 +142,41 @@ private slots:
         // The size field is not compared with the length of the data.
         QVERIFY(header.loadFromData(goldenHeader) == 29 && header.isNewKeyRequired());
         const ImageHeader copy = header;
-        QVERIFY(header.loadFromData(patched(headerBytes("!"), 16, "96")) == 21 &&
-                !copy.isNewKeyRequired());
-        QCOMPARE(copy.extension(ServerName), "Lyon!");
+        QCOMPARE(header.loadFromData(patched(headerBytes("!"), 16, "96")), 21);
+        QVERIFY(copy.extension(ServerName) == "Lyon!" && !copy.isNewKeyRequired());
         QCOMPARE(copy.extension(static_cast<ImageHeaderExtension>(7)), "");
         other.setAttachedData("side");
+        other.loadFromData(headerBytes("Oslo"));
         ImageHeader ofImage(Image(other, 0));
-        ofImage.loadFromData(headerBytes("Oslo"));
         ofImage.addAbsentExtensionsFrom(header);
         QCOMPARE(ofImage.extension(ServerName) + ofImage.extension(CameraName), "OsloGate");
         QVERIFY(ofImage.channel() == 3 && Image(ofImage, 0).attachedData() == "side");
     }
 
+    // At an odd address, and a byte short.
     void numbersFromBytes() {
-        alignas(8) std::array<unsigned char, 9> memory = {};
+        constexpr quint64 number = 0xF1E1D1C1B1A19181;
         unsigned char bytes[8];
-        quint64 number = 0x0F0000000000000F;
-        convertUInt64ToByteArray(0xF1E1D1C1B1A19181, bytes);
-        std::copy(bytes, bytes + 8, &memory[1]);  // at an odd address
-        const auto odd = std::as_bytes(std::span(memory)).last(8);
-        QVERIFY(byteSpanToUint8(odd) == 0x81 && byteSpanToInt8(odd) == -127);
-        QVERIFY(byteSpanToUint16(odd) == 0x9181 && byteSpanToInt16(odd) == -28287);
-        QVERIFY(byteSpanToUint32(odd) == 0xB1A19181 && byteSpanToInt32(odd) == -1314811519);
-        QVERIFY(byteSpanToUint64(odd) == 0xF1E1D1C1B1A19181);
-        QVERIFY(byteSpanToInt64(odd) == -0x0E1E2E3E4E5E6E7F && tryByteSpanToInt8(odd) == -127);
-        QVERIFY(tryByteSpanToInt16(odd) == -28287 &&
-                tryByteSpanToInt64(odd) == byteSpanToInt64(odd));
-        QVERIFY(tryByteSpanToUint16(odd) == 0x9181 && !tryByteSpanToInt32(odd.first(3)));
-        QVERIFY(tryByteSpanToUint64(odd) == 0xF1E1D1C1B1A19181 && !tryByteSpanToUint8({}));
-        convertByteArrayToUInt64(bytes, number);  // what was there stays
-        QCOMPARE(number, 0xFFE1D1C1B1A1918F);
+        convertUInt64ToByteArray(number, bytes);
+        const QByteArray memory = "x" + QByteArray(reinterpret_cast<char*>(bytes), 8);
+        const auto agree = [&memory](auto read, auto tryRead) {
+            const auto odd = std::as_bytes(std::span(memory)).last(8);
+            const auto expected = static_cast<decltype(read(odd))>(number);
+            const auto whole = odd.first(sizeof expected);
+            return read(whole) == expected && tryRead(whole) == expected &&
+                   !tryRead(whole.first(sizeof expected - 1));
+        };
+        QVERIFY(agree(byteSpanToInt8, tryByteSpanToInt8));
+        QVERIFY(agree(byteSpanToInt16, tryByteSpanToInt16));
+        QVERIFY(agree(byteSpanToInt32, tryByteSpanToInt32));
+        QVERIFY(agree(byteSpanToInt64, tryByteSpanToInt64));
+        QVERIFY(agree(byteSpanToUint8, tryByteSpanToUint8));
+        QVERIFY(agree(byteSpanToUint16, tryByteSpanToUint16));
+        QVERIFY(agree(byteSpanToUint32, tryByteSpanToUint32));
+        QVERIFY(agree(byteSpanToUint64, tryByteSpanToUint64));
+        quint64 joined = 0x0F0000000000000F;
+        convertByteArrayToUInt64(bytes, joined);  // what was there stays
+        QCOMPARE(joined, 0xFFE1D1C1B1A1918F);
     }
 };
 
