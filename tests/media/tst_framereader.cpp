@@ -5,7 +5,6 @@
 #include <QtTest/QTest>
 
 #include <algorithm>
-#include <tuple>
 #include <utility>
 
 #include "../inspector/wireframe.h"
@@ -13,7 +12,6 @@
 using pylon::FrameReader;
 using Status = FrameReader::Status;
 using B = QByteArray;
-using Texts = QByteArrayList;
 
 namespace {
 
@@ -40,21 +38,24 @@ struct Input {
 
     // What became of it: "54" for a frame of that size, "-10" for bytes skipped, and the text of an
     // error behind its offset. Frames must be what stands there in the input.
-    B story(bool resynchronise) {
-        Texts parts;
+    B story() {
+        QByteArrayList parts;
         for (bool skipping = false;;) {
             const Status status = next();
             if (std::exchange(skipping, status == Status::Failed))
                 parts += B::number(-reader.skippedBytes());
-            if (status == Status::Frame) {
+            if (status == Status::End)
+                return parts.join("; ");
+            if (skipping) {
+                parts += B::number(reader.offset()) + ' ' + reader.reason().toUtf8();
+                // The failure stays until then.
+                if (reader.fill() || reader.next() != Status::Failed || !reader.resynchronise())
+                    return "goes on";
+            } else {
                 const bool isRight = bytes.sliced(reader.offset()).startsWith(reader.bytes()) &&
                                      reader.headerImage().totalSize() == reader.bytes().size();
                 parts += isRight ? B::number(reader.bytes().size()) : "wrong";
-            } else if (skipping) {
-                parts += B::number(reader.offset()) + ' ' + reader.reason().toUtf8();
             }
-            if (status == Status::End || (skipping && !(resynchronise && reader.resynchronise())))
-                return parts.join("; ");
         }
     }
 
@@ -64,6 +65,8 @@ struct Input {
     FrameReader reader{device};
     qint64 longestRead = 0;
 };
+
+constexpr quint32 limit = 2'000'000;
 
 B frameOf(qsizetype size) {
     return WireFrame{.payload = static_cast<int>(size - 20)};
@@ -85,38 +88,29 @@ private slots:
     void stories_data() {
         QTest::addColumn<B>("bytes");
         QTest::addColumn<B>("expected");
-        QTest::addColumn<quint32>("limit");
-        const auto row = [](const char* name, const B& bytes, const B& expected,
-                            quint32 limit = ~quint32{0}) {
-            QTest::newRow(name) << bytes << expected << limit;
+        const auto row = [](const char* name, const B& bytes, const B& expected) {
+            QTest::newRow(name) << bytes << expected;
         };
-        const B f = frameOf(30);
-        const B large = frameOf(5'000'000);
+        const B f = frameOf(30), longest = frameOf(limit);
         const B named = WireFrame{.extensions = extensionBlock("S", "Gate"), .payload = 9};
         row("nothing", {}, "");
-        row("at the limit", f + f + f, "30; 30; 30", 30);
-        row("all sizes", frameOf(20) + frameOf(9000) + named + frameOf(70'000),
-            "20; 9000; 36; 70000");
-        row("large frames", large + frameOf(21) + large, "5000000; 21; 5000000");
+        row("all sizes", frameOf(20) + named + frameOf(70'000) + f, "20; 36; 70000; 30");
+        row("at the limit", longest + frameOf(21) + longest, "2000000; 21; 2000000");
         row("small frames", frameOf(10'000).repeated(300), B("; 10000").repeated(300).sliced(2));
         row("cut at 1", named.first(1), "0 needs 20 bytes for its header, 1 is left; -1");
-        row("cut at 3", named.first(3), "0 needs 20 bytes for its header, 3 are left; -3");
         for (int cut = 4; cut < 36; ++cut)
             row("cut", named.first(cut),
                 QString("0 needs 36 bytes, %1 are left; -%1").arg(cut).toLatin1());
 
         // Behind a frame and in front of three.
-        const auto damage = [&](const char* name, const B& junk, const B& reason,
-                                quint32 limit = ~quint32{0}) {
-            row(name, f + junk + f + f + f,
-                "30; 30 " + reason + "; " + B::number(-junk.size()) + "; 30; 30; 30", limit);
+        const auto damage = [&](const char* name, const B& junk, const B& reason) {
+            const B skipped = B::number(-junk.size());
+            row(name, f + junk + f + f + f, "30; 30 " + reason + "; " + skipped + "; 30; 30; 30");
         };
         const B unknown = "Unknown header protocol";
         damage("junk", "junk!", unknown);
-        damage("beyond the limit", frameOf(31), "claims 31 bytes, the limit is 30", 30);
-        damage("limit of the format", claim(0x3FFFFFF), "needs 67108863 bytes, 110 are left");
+        damage("beyond the limit", claim(limit + 1), "claims 2000001 bytes, the limit is 2000000");
         damage("legacy protocol", B(4, '\xff'), "Protocol support dropped");
-        damage("marker alone", B("\x14\0\0\x84", 4), unknown);
         damage("too small for a header", claim(19), "Size mismatch");
         damage("extensions beyond the frame", claim(20).first(19) + '\x01', "Size mismatch");
         damage("block of 255 bytes", "x" + claim(300).first(19) + '\xff' + B(280, '\0'), unknown);
@@ -125,7 +119,6 @@ private slots:
         damage("false header that claims all", "x" + claim(1'000'000), unknown);
 
         const B start = "0 " + unknown + "; ";
-        row("junk alone", "junk!", start + "-5");
         row("one frame behind", "x" + frameOf(20), start + "-1; 20");
         row("cut frame", "x" + f + f.first(29),
             start + "-1; 30; 31 needs 30 bytes, 29 are left; -29");
@@ -134,41 +127,35 @@ private slots:
         row("a cut frame only", "x" + f.first(29), start + "-30");
         row("twice", "x" + f + f + f + "yz" + f + f,
             start + "-1; 30; 30; 30; 91 " + unknown + "; -2; 30; 30");
-        row("no frame", B(3000, '\x80'), "0 needs 8421504 bytes, 3000 are left; -3000");
-        row("mere claim", claim(0x3FFFFFF) + B(1'000'000, '\0'),
-            "0 needs 67108863 bytes, 1000020 are left; -1000020");
-        row("small, large", "x" + f + frameOf(2'000'000) + f, start + "-1; 30; 2000000; 30");
+        row("no frame", claim(limit) + B(1'000'000, '\0'),
+            "0 needs 2000000 bytes, 1000020 are left; -1000020");
+        row("small, large", "x" + f + longest + f, start + "-1; 30; 2000000; 30");
     }
 
     void stories() {
         QFETCH(const B, bytes);
         QFETCH(const B, expected);
-        QFETCH(const quint32, limit);
-        const bool isWhole = !expected.contains('-');
-        qsizetype longest = isWhole ? 0 : 2 * bytes.size();
+        // The longest frame; in damage, a header may claim all that is there.
+        qsizetype longest = expected.contains('-') ? 2 * bytes.size() : 0;
         for (const B& part : expected.split(';'))
             longest = std::max<qsizetype>(longest, part.trimmed().toInt());
-        // Bytes a read, as the device and as the reader wants it; whether it goes on.
-        constexpr std::tuple<qint64, qsizetype, bool> ways[] = {
-            {1, -1, true}, {33, 4096, true}, {1 << 30, 1 << 19, true}, {33, 4096, false}};
-        for (const auto& [step, chunk, resynchronise] : ways) {
+        // Bytes a read, as the device and as the reader wants it.
+        constexpr std::pair<qint64, qsizetype> ways[] = {{1, -1}, {33, 4096}, {1 << 30, 1 << 19}};
+        for (const auto& [step, chunk] : ways) {
             if (step == 1 && bytes.size() > 200'000)
                 continue;
             Input input(bytes, step);
             FrameReader& reader = input.reader;
             reader.setFrameSizeLimit(limit);
             reader.setChunkSize(chunk);
-            QVERIFY(!reader.resynchronise() && reader.frameSizeLimit() <= 0x3FFFFFF);
-            const B found = input.story(resynchronise);
-            QCOMPARE(found, resynchronise ? expected : expected.first(found.size()));
-            const bool failed = !isWhole && !resynchronise;
-            QCOMPARE(reader.next(), failed ? Status::Failed : Status::End);
-            QVERIFY(failed || reader.offset() == bytes.size());
+            QVERIFY(!reader.resynchronise());
+            QCOMPARE(input.story(), expected);
+            QCOMPARE(reader.next(), Status::End);
+            QCOMPARE(reader.offset(), bytes.size());
             input.device.buffer() += "late";
             QVERIFY(!reader.fill());
             const qsizetype request = std::max<qsizetype>(chunk, 1);
-            QVERIFY(input.longestRead <= request);
-            QVERIFY2(reader.capacity() <= longest + request, B::number(reader.capacity()));
+            QVERIFY(input.longestRead <= request && reader.capacity() <= longest + request);
         }
     }
 
@@ -178,23 +165,20 @@ private slots:
             WireFrame{.camera = 7, .extensions = extensionBlock("S", "Gate"), .payload = 9};
         Input input(first + WireFrame{.camera = 8, .typeByte = 0x56}, 1 << 30);
         FrameReader& reader = input.reader;
-        QVERIFY(reader.headerImage().isNull() && reader.image().isNull());
-        QVERIFY(reader.header().isNull());
+        reader.setFrameSizeLimit(0xFFFFFFFF);
+        QCOMPARE(reader.frameSizeLimit(), 0x3FFFFFFU);
+        QVERIFY(reader.image().isNull() && reader.headerImage().isNull());
         QCOMPARE(input.next(), Status::Frame);
-        const pylon::Image image = reader.image();
-        const pylon::Image headerImage = reader.headerImage();
+        const pylon::Image image = reader.image(), headerImage = reader.headerImage();
         const pylon::ImageHeader header = reader.header();
         QCOMPARE(reader.payload().toByteArray(), B(9, 'p'));
         QCOMPARE(reader.next(), Status::Frame);
-        QCOMPARE(reader.headerImage().cameraId(), 8U);
         QVERIFY(reader.header().isNewKeyRequired() && reader.payload().isEmpty());
+        QCOMPARE(reader.headerImage().cameraId(), 8U);
         reader.fill();
-        QVERIFY(reader.header().isNull() && reader.bytes().isEmpty());
-        QVERIFY(reader.headerImage().isNull());
-        QCOMPARE(image.payload(), B(9, 'p'));
-        QCOMPARE(image.cameraName(), "Gate");
-        QCOMPARE(headerImage.cameraName(), "Gate");
-        QCOMPARE(headerImage.payloadSize(), 0U);
+        QVERIFY(reader.header().isNull() && reader.headerImage().isNull());
+        QVERIFY(image.payload() == B(9, 'p') && image.cameraName() == "Gate");
+        QVERIFY(headerImage.cameraName() == "Gate" && headerImage.payloadSize() == 0);
         QCOMPARE(header.channel(), 0x10007U);
     }
 
