@@ -105,11 +105,8 @@ private slots:
             {0xF4, 3, hex("d555"), 0xF2, {8, -8}},
             {3, 1, hex("ff0080ff"), 1, {0, -16062, -32124, 0, 32124, 16062, 0, 0}},
             {0x12, 1, pcm({1, -2, -32768}), 0x11, {1, 0, -2, -16385, -32768, -32768}},
-            {5,
-             AudioUtils::maxSubType(),
-             pcm({100, 200}),
-             1,
-             {100, 150, 200, 200}},  // G.726, as if it were PCM
+            // G.726, as if it were PCM.
+            {5, AudioUtils::maxSubType(), pcm({100, 200}), 1, {100, 150, 200, 200}},
             {0x0F, 0, pcm({7}) + "x", 1, {7, 7}},
             {2, 1, "x", 1, {}}};
         for (const auto& [flags, target, payload, newFlags, samples] : rows) {

@@ -114,7 +114,8 @@ private slots:
             {claim(19), "Size mismatch"},
             {claim(20).first(19) + '\x01', "Size mismatch"},  // extensions beyond the frame
             {"x" + claim(300).first(19) + '\xff' + B(280, '\0'), unknown},  // 255 bytes of them
-            {"x" + claim(40), unknown},                                     // false headers
+            {"x" + claim(20).first(19) + '\x01', unknown},
+            {"x" + claim(40), unknown},  // false headers
             {"x" + claim(25) + "12345" + claim(27) + B(16, '?'), unknown},
             {"x" + claim(1'000'000), unknown}};
         for (const auto& [junk, reason] : damages)
