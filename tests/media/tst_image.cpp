@@ -2,10 +2,7 @@
 
 #include <pylon/media/image.h>
 #include <pylon/media/imageheader.h>
-#include <QtCore/QDir>
-#include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
-#include <QtTest/QTest>
+#include <QtTest/QtTest>
 
 #include <array>
 #include <atomic>
@@ -159,29 +156,27 @@ private slots:
 
     // Below the home folder, which may be a real one where the system does not ask the environment.
     void dumps() {
-        const std::tuple<QByteArray, QByteArray, quint32, QString, QString> rows[] = {
-            {hex("5200 46726f6e7420646f6f7200 0109 02037f 0101 6800 7e7e"), hex("ff0102"), 0x20104,
-             "", "131332-260-2-0-136-1-0-47-3-3-2-1-10-1-2-1-1-2-9-130-252-82-989-Front_door.bin"},
+        const std::tuple<QByteArray, QByteArray, const char*, QString, QString> rows[] = {
+            {hex("5200 46726f6e7420646f6f7200 0109 02037f 0101 6800 7e7e"), hex("ff0102"),
+             "04010200", "",
+             "131332-260-2-0-136-0-1-47-3-3-2-1-10-1-2-1-1-2-9-130-252-82-989-Front_door.bin"},
             // An event; negative sums.
-            {hex("00 c3bc20c3bc"), hex("ff"), 255, "event/",
-             "255-255-0-0-136-1-0-27-1-1-18446744073709551615-0-5-0-0-0-0-0--1-0-0-0-"
+            {hex("00 c3bc20c3bc"), hex("ff"), "ff000000", "event/",
+             "255-255-0-0-136-0-1-27-1-1-18446744073709551615-0-5-0-0-0-0-0--1-0-0-0-"
              "18446744073709551390-\u00fc_\u00fc.bin"},
             // Leads elsewhere.
-            {hex("00") + "/../x", "", 3, "",
-             "3-3-0-0-136-1-0-26-0-0-0-0-5-0-0-0-0-0--1-0-0-0-306-/../x.bin"}};
+            {hex("00") + "/../x", "", "03000000", "",
+             "3-3-0-0-136-0-1-26-0-0-0-0-5-0-0-0-0-0--1-0-0-0-306-/../x.bin"}};
         const QTemporaryDir home;
         qputenv("HOME", QFile::encodeName(home.path()));
         const QString images = QDir::homePath() + "/TestServerData/unit/images/";
         for (const auto& [block, payload, channel, folder, ending] : rows) {
-            const QByteArray bytes = headerBytes(block, payload.size()) + payload;
+            QByteArray bytes = headerBytes(block, payload.size()) + payload;
+            bytes.replace(4, 14, hex(channel) + hex("fffe00000000 15 04 96 88"));
             Image frame(bytes), back;
-            frame.setChannel(channel);
-            frame.setTime(-5);
-            frame.setTimeZone(TimeZone(4, TimeZoneAbbrevation("CET")));
-            frame.setFlags(0x88);
-            frame.setEncrypted(true);
+            frame.setEncrypted(false);
             const bool refused = ending.contains('/');
-            const QString name = "img-7_0_4294967295--5_4_CET-V-p-" + ending;
+            const QString name = "img-7_0_4294967295-65279_4_CET-V-p-" + ending;
             const QString path = images + folder + name;
             QDir().mkpath(path.section('/', 0, refused ? -3 : -2));
             std::ostringstream printed;

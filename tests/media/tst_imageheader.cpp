@@ -1,10 +1,6 @@
 #include "framebytes.h"
 
-#include <pylon/media/byteconversion.h>
-#include <pylon/media/image.h>
-#include <pylon/media/imagebase.h>
-#include <pylon/media/imageheader.h>
-#include <pylon/media/lyraimageheaderparserv4.h>
+#include <pylon/pylon.h>
 #include <QtTest/QTest>
 
 #include <array>

@@ -1,11 +1,5 @@
-#include <pylon/time/elapsedtimer.h>
-#include <pylon/time/nanoelapsedtimer.h>
-#include <pylon/time/renderingtimings.h>
-#include <pylon/time/timer.h>
-#include <pylon/time/timestamp.h>
-#include <pylon/time/timingswitches.h>
-#include <QtCore/QDateTime>
-#include <QtTest/QTest>
+#include <pylon/pylon.h>
+#include <QtTest/QtTest>
 
 #include <atomic>
 #include <thread>

@@ -1,9 +1,7 @@
 #include <pylon/time/timeconversion.h>
 #include <pylon/time/timezone.h>
 #include <pylon/time/timezones.h>
-#include <QtCore/QCryptographicHash>
-#include <QtCore/QLocale>
-#include <QtTest/QTest>
+#include <QtTest/QtTest>
 
 #include <array>
 #include <climits>
