@@ -12,12 +12,6 @@
 
 using namespace pylon;
 
-namespace {
-
-constexpr auto V4 = ImageHeaderVersion::V4;
-
-}  // namespace
-
 class TestImage : public QObject {
     Q_OBJECT
 
@@ -140,18 +134,14 @@ private slots:
         const QByteArray rest =
             headerBytes("Gate" + hex("00 00000000") + "h").replace(16, 1, "V").sliced(4);
         QByteArray header, used(40, 'x');
-        image.generateNetworkImageHeader(header, V4);
-        image.generateNetworkImage(used, V4);
+        image.generateNetworkImageHeader(header, ImageHeaderVersion::V4);
+        image.generateNetworkImage(used, ImageHeaderVersion::V4);
         // Without the frame around it, the size field goes by the block as last parsed.
         QCOMPARE(header, hex("2b000080") + rest);
         QCOMPARE(used, hex("2f000080") + rest + QByteArray(10, 'x') + "payload");
         image.setExtensions(ImageHeader(Image()));
         image.setPayload("a");
         QCOMPARE(image.imageSize(), 0xFFFFFFFDU);
-        const auto generate = [&](int version) {
-            return errorOf([&] { image.generateNetworkImage(used, ImageHeaderVersion(version)); });
-        };
-        QCOMPARE(generate(0) + generate(1), "Unknown header protocolProtocol support dropped");
     }
 
     // Below the home folder, which may be a real one where the system does not ask the environment.
@@ -183,11 +173,10 @@ private slots:
             std::streambuf* const before = std::cout.rdbuf(printed.rdbuf());
             Image::dump(bytes.constData(), quint32(bytes.size()), frame, 7, 0, 4294967295);
             std::cout.rdbuf(before);
-            QCOMPARE(QString::fromStdString(printed.str()),
-                     QString("%1 filename size=%2  %3\n")
-                         .arg(refused ? "not dumped" : "    dumped")
-                         .arg(name.toUtf8().size())
-                         .arg(name));
+            const QString outcome = refused ? "not dumped" : "    dumped";
+            QCOMPARE(
+                QString::fromStdString(printed.str()),
+                outcome + QString(" filename size=%1  ").arg(name.toUtf8().size()) + name + '\n');
             QCOMPARE(back.undump(path), !refused);
             QCOMPARE(back.payload(), payload);
             QFile::remove(path) || QDir().rmdir(path.section('/', 0, -3));
@@ -197,30 +186,30 @@ private slots:
 
     // Looks at the first frame of a file, and loads all of it.
     void readsFiles() {
-        const QByteArray unknown("Unknown header protocol"), dropped("Protocol support dropped");
-        const QByteArray bytes = headerBytes("", 3) + "new", mismatch("Size mismatch");
-        const std::tuple<QByteArray, quint32, QByteArray, QByteArray> rows[] = {
-            {hex("e80300"), 42, unknown, unknown},
-            {hex("ffffffff"), 42, dropped, dropped},
-            {hex("ffffff83"), 0x3FFFFFF, "", "Header too small"},
-            {bytes + ".", 23, "", mismatch},
-            {bytes.chopped(1), 23, "", mismatch},
-            {bytes, 23, "", ""}};
+        const QByteArray bytes = headerBytes("", 3) + "new";
+        const std::tuple<QByteArray, quint32, QByteArray> rows[] = {
+            {hex("e80300"), 42, "Unknown header protocol"},
+            {hex("ffffffff"), 42, "Protocol support dropped"},
+            {hex("ffffff83"), 0x3FFFFFF, "Header too small"},
+            {bytes + ".", 23, "Size mismatch"},
+            {bytes.chopped(1), 23, "Size mismatch"},
+            {bytes, 23, ""}};
         const QTemporaryDir folder;
         QFile file(folder.filePath("frame.bin"));
         Image image(bytes);
         QVERIFY(!image.undump(file.fileName()) && !image.undump(folder.path()));
-        for (const auto& [content, expected, peekError, loadError] : rows) {
+        for (const auto& [content, expected, error] : rows) {
             QVERIFY(file.open(QIODevice::ReadWrite | QIODevice::Truncate));
             file.write(content);
             file.seek(0);
             quint32 size = 42;
-            QCOMPARE(errorOf([&] { image.determineSizeFromFile(file, size); }), peekError);
+            QCOMPARE(errorOf([&] { image.determineSizeFromFile(file, size); }),
+                     expected == 42 ? error : "");
             QVERIFY(size == expected && file.pos() == 0 && image.payload() == "new");
             file.close();
-            QCOMPARE(errorOf([&] { image.undump(file.fileName()); }), loadError);
-            QCOMPARE(image.payload(), loadError.isEmpty() ? "new" : "");
-            QCOMPARE(errorOf([&] { Image{content}; }), loadError);
+            QCOMPARE(errorOf([&] { image.undump(file.fileName()); }), error);
+            QCOMPARE(image.payload(), error.isEmpty() ? "new" : "");
+            QCOMPARE(errorOf([&] { Image{content}; }), error);
             image.loadFromData(bytes);  // stays usable
         }
     }

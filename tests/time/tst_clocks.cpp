@@ -112,18 +112,16 @@ private slots:
             QCOMPARE(rendered(moment), reference(moment));
         // At most so many characters, with a terminator where there is room for it.
         const QByteArray text = reference({base, 123'456});
-        const std::tuple<int, int, QByteArray> rows[] = {
-            {0, -1, ""}, {14, -1, text.left(14)}, {15, 15, text}, {16, 15, text + '\0'}};
-        for (const auto& [size, result, written] : rows) {
+        const std::tuple<long long, int, int, QByteArray> rows[] = {
+            {0, 18, 0, ""},       {1LL << 62, 18, -1, ""},
+            {base, 0, -1, ""},    {base, 14, -1, text.left(14)},
+            {base, 15, 15, text}, {base, 16, 15, text + '\0'}};
+        for (const auto& [seconds, size, result, written] : rows) {
             QByteArray buffer(18, '#');
-            const Timestamp stamp(ptimeval{base, 123'456});
+            const Timestamp stamp(ptimeval{seconds, 123'456});
             QCOMPARE(stamp.toDefaultString(buffer.data(), size), result);
             QCOMPARE(buffer, written + QByteArray(18 - written.size(), '#'));
         }
-        QByteArray untouched("untouched");
-        QCOMPARE(Timestamp(false).toDefaultString(untouched.data(), 9), 0);
-        QCOMPARE(untouched, "untouched");
-        QCOMPARE(Timestamp(ptimeval{1LL << 62, 0}).toDefaultString(untouched.data(), 9), -1);
     }
 
     void cacheHoldsLastSecond() {
@@ -145,8 +143,8 @@ private slots:
                                seconds * 1000 + 999 + stamp.elapsedMilliSecs(),
                                (seconds * 1'000'000 + 999'999 + stamp.elapsedMicroSecs()) / 1000};
         const qint64 to = QDateTime::currentMSecsSinceEpoch();
-        QVERIFY(*std::ranges::min_element(sums) >= from && sums[0] <= to + 999);
-        QVERIFY(sums[1] <= to && sums[2] <= to);
+        QVERIFY(sums[0] >= from && sums[0] <= to + 999);
+        QVERIFY(sums[1] >= from && sums[1] <= to && sums[2] >= from && sums[2] <= to);
         stamp = Timestamp(false);
         QCOMPARE(stamp.elapsedSecs() + stamp.elapsedMilliSecs() + stamp.elapsedMicroSecs(), 0);
         stamp.restart();
