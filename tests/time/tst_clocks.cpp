@@ -12,10 +12,8 @@ namespace {
 constexpr long long base = 1794726000;
 
 QByteArray reference(const ptimeval& moment) {
-    const QTime time = QDateTime::fromSecsSinceEpoch(moment.tv_sec).time();
-    return QString::asprintf("%s.%06u", qPrintable(time.toString("HH:mm:ss")),
-                             unsigned(moment.tv_usec))
-        .toLatin1();
+    return QDateTime::fromSecsSinceEpoch(moment.tv_sec).toString("HH:mm:ss.").toLatin1() +
+           QByteArray::number(moment.tv_usec).rightJustified(6, '0');
 }
 
 QByteArray rendered(const ptimeval& moment) {
@@ -87,7 +85,7 @@ private slots:
             QVERIFY(isThat((timer.*read)(rest)*1000 + rest / unit) && rest % unit == 0);
             unit *= 1000;
         }
-        QVERIFY(isThat(timer.elapsedUSecsPlusNSecs(rest = 1) / 1000) && rest == 0);
+        QVERIFY(isThat(timer.elapsedUSecsPlusNSecs(rest) / 1000) && rest == 0);
         long long usecs, nsecs;
         QVERIFY(isThat(timer.elapsed(usecs, nsecs)) && isThat(usecs / 1000) && nsecs % 1000 == 0);
     }
@@ -145,10 +143,9 @@ private slots:
         const qint64 to = QDateTime::currentMSecsSinceEpoch();
         QVERIFY(sums[0] >= from && sums[0] <= to + 999);
         QVERIFY(sums[1] >= from && sums[1] <= to && sums[2] >= from && sums[2] <= to);
-        stamp = Timestamp(false);
-        QCOMPARE(stamp.elapsedSecs() + stamp.elapsedMilliSecs() + stamp.elapsedMicroSecs(), 0);
         stamp.restart();
         QVERIFY(stamp.elapsedSecs() <= 60 && Timestamp::currentTimeStamp().elapsedSecs() <= 60);
+        QCOMPARE(Timestamp(false).elapsedMilliSecs(), 0);
     }
 
     // Every text must be right while others render other seconds; TSan watches the cache.

@@ -57,11 +57,10 @@ private slots:
     void overloads() {
         const signed char five = 5;
         const std::string text("CET");
-        QCOMPARE(describe({TimeZone(), ServerTimeZone(), TimeZone(-128, TimeZoneAbbrevation(21))}),
-                 "0 0 UTC, 0 0 server, -128 21 ");
-        QCOMPARE(
-            describe({{127, "CET"}, {0, text}, {five, nullptr}, {five, five}, {5, 0}, {5, 0L}}),
-            "127 0 CET, 0 0 CET, 5 0 , 25 0 , 20 0 , 20 0 ");
+        QCOMPARE(describe({{}, ServerTimeZone(), {-128, TimeZoneAbbrevation(21)}, {127, "CET"}}),
+                 "0 0 UTC, 0 0 server, -128 21 , 127 0 CET");
+        QCOMPARE(describe({{0, text}, {five, nullptr}, {five, five}, {5, 0}, {5, 0L}}),
+                 "0 0 CET, 5 0 , 25 0 , 20 0 , 20 0 ");
         QCOMPARE(describe({{"CET", "Cuba S"}, {text, "Newfoundland D"}, {"CET", "Central"}}),
                  "-20 0 CET, -10 0 CET, 0 0 ");
     }
@@ -135,8 +134,8 @@ private slots:
         const QTimeZone zone(5 * 3600 + 1800);
         const std::array<long long, 3> rows[] = {{302, 1006, 301}, {-4, -13, -3}, {6, 20, 6}};
         for (const auto& [time300, msecs, back] : rows) {
-            const QDateTime utc = time300ToDateTimeUTC(time300);
-            const QDateTime zoned = time300ToDateTime(time300, zone);
+            const QDateTime utc = time300ToDateTimeUTC(time300),
+                            zoned = time300ToDateTime(time300, zone);
             QVERIFY(zoned == utc && zoned.timeZone() == zone && utc.timeZone() == QTimeZone::utc());
             QCOMPARE(zoned.toMSecsSinceEpoch(), msecs);
             QCOMPARE(dateTimeToTime300(zoned), back);
@@ -151,18 +150,19 @@ private slots:
             {1'700'000'000'000, {5, 2}, "2023-11-15 03:43 UTC"},
             {0, {95, "CET"}, "1970-01-01 23:45 UTC"},  // not by name
             {0, {96, "NST"}, "1969-12-31 20:30 UTC"},
-            {0, {127, "CST"}, "1970-01-01 00:00 UTC"},  // ambiguous
-            {0, {127, TimeZoneAbbrevation(21)}, "1970-01-01 00:00 UTC"}};
+            {0, {127, "CST"}, "1970-01-01 00:00 UTC"}};  // ambiguous
         for (const auto& [msecs, zone, text] : rows)
             QCOMPARE(msecsToString(msecs, "yyyy-MM-dd HH:mm t", zone), text);
-        const QString local = QDateTime::fromMSecsSinceEpoch(-1003).toString("HH:mm:ss.zzz t");
-        QCOMPARE(toString(-301, "HH:mm:ss.zzz t", false), local);
-        QCOMPARE(toString(-301, "HH:mm:ss.zzz t", true), local + " -301");
+        const QString format("HH:mm:ss.zzz t");
+        const QString local = QDateTime::fromMSecsSinceEpoch(-1003).toString(format);
+        QCOMPARE(toString(-301, format, false) + '|' + toString(-301, format, true),
+                 local + '|' + local + " -301");
         QLocale::setDefault(QLocale("de_DE"));
-        QCOMPARE(dateTimeFormat() + '|' + dateTimeFormatWithMs(),
-                 "dd.MM.yy HH:mm:ss|dd.MM.yy HH:mm:ss.zzz");
-        QCOMPARE(arabicDateTimeFormat() + '|' + arabicDateTimeFormatWithMs(),
-                 "ss:mm:HH yyyy/MM/dd|zzz.ss:mm:HH yyyy/MM/dd");
+        QCOMPARE(
+            QStringList({dateTimeFormat(), dateTimeFormatWithMs(), arabicDateTimeFormat(),
+                         arabicDateTimeFormatWithMs()})
+                .join('|'),
+            "dd.MM.yy HH:mm:ss|dd.MM.yy HH:mm:ss.zzz|ss:mm:HH yyyy/MM/dd|zzz.ss:mm:HH yyyy/MM/dd");
     }
 };
 
