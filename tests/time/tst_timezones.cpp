@@ -55,14 +55,11 @@ private slots:
 
     // Which constructor literals, numbers and texts choose.
     void overloads() {
-        const signed char five = 5;
-        const std::string text("CET");
         QCOMPARE(describe({{}, ServerTimeZone(), {-128, TimeZoneAbbrevation(21)}, {127, "CET"}}),
                  "0 0 UTC, 0 0 server, -128 21 , 127 0 CET");
-        QCOMPARE(describe({{0, text}, {five, nullptr}, {five, five}, {5, 0}, {5, 0L}}),
-                 "0 0 CET, 5 0 , 25 0 , 20 0 , 20 0 ");
-        QCOMPARE(describe({{"CET", "Cuba S"}, {text, "Newfoundland D"}, {"CET", "Central"}}),
-                 "-20 0 CET, -10 0 CET, 0 0 ");
+        const std::string cet("CET");
+        QCOMPARE(describe({{0, cet}, {5, 0}, {5, 0L}, {"CET", "Cuba S"}, {cet, "Central"}}),
+                 "0 0 CET, 20 0 , 20 0 , -20 0 CET, 0 0 ");
     }
 
     void hoursAndQuarters() {
