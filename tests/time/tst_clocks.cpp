@@ -105,8 +105,6 @@ private slots:
     }
 
     void stampsRenderLocalTime() {
-        for (const ptimeval moment : {ptimeval{base, 42}, {base - 40'000'000, 500'000}, {1, 1}})
-            QCOMPARE(rendered(moment), reference(moment));
         // At most so many characters, with a terminator where there is room for it.
         const QByteArray text = reference({base, 123'456});
         const std::tuple<long long, int, int, QByteArray> rows[] = {
@@ -128,7 +126,7 @@ private slots:
         qstrcpy(Timestamp::last_buf, "cached %06u");
         // The low 32 bits decide: a second that shares them takes the text that is there.
         QCOMPARE(rendered({base + 7 + (1LL << 32), 12}), "cached 000012");
-        QCOMPARE(rendered({base + 8, 12}), reference({base + 8, 12}));
+        QCOMPARE(rendered({base - 40'000'000, 12}), reference({base - 40'000'000, 12}));
     }
 
     // Stamp and elapsed time together are the time of the reading.

@@ -57,9 +57,9 @@ private slots:
     void overloads() {
         QCOMPARE(describe({{}, ServerTimeZone(), {-128, TimeZoneAbbrevation(21)}, {127, "CET"}}),
                  "0 0 UTC, 0 0 server, -128 21 , 127 0 CET");
-        const std::string cet("CET");
-        QCOMPARE(describe({{0, cet}, {5, 0}, {5, 0L}, {"CET", "Cuba S"}, {cet, "Central"}}),
-                 "0 0 CET, 20 0 , 20 0 , -20 0 CET, 0 0 ");
+        QCOMPARE(
+            describe({{0, std::string("CET")}, {5, 0}, {5, 0L}, {"CET", "Cuba S"}, {"CET", "C"}}),
+            "0 0 CET, 20 0 , 20 0 , -20 0 CET, 0 0 ");
     }
 
     void hoursAndQuarters() {
@@ -99,7 +99,6 @@ private slots:
         const std::tuple<const char*, const char*, std::string> rows[] = {
             {"NST", "", "-14 Newfoundland Standard Time"},
             {"CST", "", "126 Cuba Standard Time"},
-            {"CST", "China", "32 China Standard Time"},
             {"", "Cuba S", "-20 Cuba Standard Time"},
             {"", "European", "127 European"},
             {"CET", "Central European Time ", "127 Central European Time "}};
