@@ -108,9 +108,8 @@ private slots:
         // At most so many characters, with a terminator where there is room for it.
         const QByteArray text = reference({base, 123'456});
         const std::tuple<long long, int, int, QByteArray> rows[] = {
-            {0, 18, 0, ""},       {1LL << 62, 18, -1, ""},
-            {base, 0, -1, ""},    {base, 14, -1, text.left(14)},
-            {base, 15, 15, text}, {base, 16, 15, text + '\0'}};
+            {0, 18, 0, ""},       {base, 0, -1, ""},           {base, 14, -1, text.left(14)},
+            {base, 15, 15, text}, {base, 16, 15, text + '\0'}, {1LL << 62, 18, -1, ""}};
         for (const auto& [seconds, size, result, written] : rows) {
             QByteArray buffer(18, '#');
             const Timestamp stamp(ptimeval{seconds, 123'456});
