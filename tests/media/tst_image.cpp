@@ -106,7 +106,6 @@ private slots:
         image.setTimeZone(TimeZone(-14, TimeZoneAbbrevation("NST")));
         const char* const format = "dd hh:mm:ss.zzz t";
         const std::tuple<TimeZone, QString, std::string> rows[] = {
-            {TimeZone(-23, 3), "12 10:23:49.670 UTC", "12 10:23:49.670 UTC"},
             {TimeZone(127, "CET"), "13 11:08:49.670 UTC", "13 11:08:49.670 UTC"},
             {ServerTimeZone(), "13 06:38:49.670 UTC",
              "13 10:08:49.670 UTC"}};  // without a frame, no server

@@ -45,7 +45,6 @@ private slots:
         QCOMPARE(QCryptographicHash::hash(lists.str(), QCryptographicHash::Sha1).toHex(),
                  "55a12c6d7ba3d122976b71527cd0831c1ff506cf");
         QCOMPARE(TimeZones::find("CST").fullName(), std::string("Central Standard Time"));
-        QCOMPARE(TimeZoneAbbrevation(256 + 21).index(), 0);
         for (const char* text : {"", "cet", "CE", "CET ", static_cast<const char*>(nullptr)}) {
             TimeZoneAbbrevation found(7);
             QVERIFY(!found.trySetFromString(text) && found.index() == 0);
@@ -100,8 +99,7 @@ private slots:
             {"NST", "", "-14 Newfoundland Standard Time"},
             {"CST", "", "126 Cuba Standard Time"},
             {"", "Cuba S", "-20 Cuba Standard Time"},
-            {"", "European", "127 European"},
-            {"CET", "Central European Time ", "127 Central European Time "}};
+            {"", "European", "127 European"}};
         for (const auto& [abbrevation, filter, result] : rows) {
             std::string fullName = filter;
             const int offset = TimeZones::timeZoneOffset(abbrevation, fullName);
