@@ -118,13 +118,11 @@ private slots:
             frame.setTime(7);
             QCOMPARE(result.time() == 7, flags == newFlags);  // then it is the same frame
         }
-        Image picture = audioFrame(3, "data"), null;
+        Image picture = audioFrame(3, "data");
         picture.setType('V');
-        null.setType('a');
-        null.setFlags(3);
-        for (const Image& frame : {picture, null, AudioUtils::encode(1, picture)})
-            QVERIFY(AudioUtils::decode(frame).flags() == 3 &&
-                    AudioUtils::decode(1, frame).payload() == frame.payload());
+        for (const Image& frame : {AudioUtils::decode(picture), AudioUtils::decode(1, picture),
+                                   AudioUtils::encode(1, picture)})
+            QCOMPARE(frame.payload(), "data");
     }
 };
 

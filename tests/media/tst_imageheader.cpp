@@ -61,7 +61,6 @@ private slots:
     void rejects() {
         const std::array<QByteArray, 3> rows[] = {
             {empty, "", ""},
-            {empty.first(3), "Unknown header protocol", "Header too small"},
             {empty.first(19), "Header too small", "Header too small"},
             {patched(empty, 0, "ffffffff"), "Protocol support dropped", "Wrong header"},
             {patched(empty, 3, "84"), "Unknown header protocol", "Wrong header"},
