@@ -7,12 +7,10 @@
 
 using namespace pylon::CryptoTools;
 
-namespace {
-
 // What the library prints there would bury the fuzzer's own report.
-[[maybe_unused]] const bool isQuiet = (stderr = std::fopen("/dev/null", "w")) != nullptr;
+[[maybe_unused]] static const bool isQuiet = (stderr = std::fopen("/dev/null", "w")) != nullptr;
 
-void check(QByteArray pem) {
+static void check(QByteArray pem) {
     auto* const text = reinterpret_cast<unsigned char*>(pem.data());
     const X509Pointer x509(tryLoadX509Certificate({text, qstrlen(pem)}));
     const RsaPointer key(RSAPublicKeyFromX509(text));
@@ -24,14 +22,10 @@ void check(QByteArray pem) {
     FUZZ_CHECK(ERR_peek_error() == 0);
 }
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const QByteArray bytes = bytesOf(data, size);
-    check(QByteArray(bytes.constData(), bytes.size()));
-    QByteArray lines = bytes.toBase64();
+void fuzz(const QByteArray& input) {
+    check(input);
+    QByteArray lines = input.toBase64();
     for (qsizetype at = 64; at < lines.size(); at += 65)
         lines.insert(at, '\n');
     check("-----BEGIN CERTIFICATE-----\n" + lines + "\n-----END CERTIFICATE-----\n");
-    return 0;
 }

@@ -4,47 +4,15 @@
 
 #include <pylon/media/framereader.h>
 
-#include <QtCore/QIODevice>
+#include <QtCore/QBuffer>
 
 #include <algorithm>
+#include <random>
 #include <utility>
-#include <vector>
 
 using namespace pylon;
 
-namespace {
-
-// Gives 0 to 63 bytes a read, or all that is wanted.
-class Stream : public QIODevice {
-public:
-    Stream(QByteArrayView bytes, unsigned rhythm) : rest_(bytes), rhythm_(rhythm) {
-        open(ReadOnly | Unbuffered);
-    }
-    bool isSequential() const override { return true; }
-    bool isDrained() const { return rest_.isEmpty(); }
-
-protected:
-    qint64 readData(char* data, qint64 maxSize) override {
-        if (rhythm_ != 0) {
-            rhythm_ = rhythm_ * 69069 + 1;
-            maxSize = std::min<qint64>(maxSize, rhythm_ >> 16 & 63);
-        }
-        const qsizetype count = std::min<qsizetype>(maxSize, rest_.size());
-        std::copy_n(rest_.data(), count, data);
-        rest_ = rest_.sliced(count);
-        return count;
-    }
-    qint64 writeData(const char*, qint64) override { return -1; }
-
-private:
-    QByteArrayView rest_;
-    unsigned rhythm_;
-};
-
-// Offset and size of each frame.
-using Frames = std::vector<std::pair<qint64, qsizetype>>;
-
-void check(const FrameReader& reader, QByteArrayView input) {
+static void check(const FrameReader& reader, QByteArrayView input) {
     const QByteArrayView bytes = reader.bytes();
     FUZZ_CHECK(bytes.size() <= qsizetype{reader.frameSizeLimit()});
     FUZZ_CHECK(bytes == input.sliced(reader.offset(), bytes.size()));
@@ -53,22 +21,24 @@ void check(const FrameReader& reader, QByteArrayView input) {
     FUZZ_CHECK(reader.image().totalSize() == reader.headerImage().totalSize());
 }
 
-Frames read(QByteArrayView input, bool resynchronise, quint32 limit, qsizetype chunk,
-            unsigned rhythm) {
-    Stream stream(input, rhythm);
-    FrameReader reader(stream);
-    reader.setChunkSize(chunk);
+// Reads pieces of random sizes up to a chunk, and returns where each frame begins and what comes
+// after the last one.
+static QList<qint64> read(QByteArray input, bool resynchronise, quint32 limit, qsizetype chunk) {
+    QBuffer device(&input);
+    device.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    FrameReader reader(device);
     reader.setFrameSizeLimit(limit);
-    const qsizetype mostNeeded = std::min(reader.frameSizeLimit() + qsizetype{20} + chunk,
-                                          std::max(2 * input.size(), chunk));
-    Frames frames;
+    std::minstd_rand random;
+    QList<qint64> places;
     qint64 place = 0;  // that all bytes before belong to frames or were skipped
     bool skipping = false;
     for (;;) {
         const FrameReader::Status status = reader.next();
-        FUZZ_CHECK(reader.capacity() <= mostNeeded);
+        FUZZ_CHECK(reader.capacity() <= std::max(2 * input.size(), chunk));
+        FUZZ_CHECK(reader.capacity() <= reader.frameSizeLimit() + 20 + chunk);
         if (status == FrameReader::Status::NeedsData) {
-            if (!reader.fill() && stream.isDrained())
+            reader.setChunkSize(1 + static_cast<qsizetype>(random()) % chunk);
+            if (!reader.fill())
                 reader.finish();
             continue;
         }
@@ -77,33 +47,27 @@ Frames read(QByteArrayView input, bool resynchronise, quint32 limit, qsizetype c
             place += reader.skippedBytes();
         }
         FUZZ_CHECK(reader.offset() == place);
+        places << place;
         if (status == FrameReader::Status::Frame) {
             check(reader, input);
-            frames.emplace_back(place, reader.bytes().size());
             place += reader.bytes().size();
-        } else if (status == FrameReader::Status::End) {
-            FUZZ_CHECK(place == input.size());
-            return frames;
-        } else if (!resynchronise) {
-            return frames;
-        } else {
-            FUZZ_CHECK(reader.resynchronise());
+            continue;
         }
+        FUZZ_CHECK(status == FrameReader::Status::Failed || place == input.size());
+        if (status == FrameReader::Status::End || !resynchronise)
+            return places;
+        FUZZ_CHECK(reader.resynchronise());
     }
 }
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    constexpr std::size_t settingsSize = 4;
-    if (size < settingsSize)
-        return 0;
-    const bool resynchronise = (data[0] & 1) != 0;
-    const quint32 limit = data[2] == 0 ? ~quint32{0} : 20 + quint32{data[2]} * data[2];
-    const QByteArray input = bytesOf(data + settingsSize, size - settingsSize);
-    const Frames frames = read(input, resynchronise, limit, 1 + data[1] * data[1], data[3]);
+void fuzz(const QByteArray& input) {
+    if (input.size() < 4)
+        return;
+    const QByteArray stream = input.sliced(4);
+    const bool resynchronise = (input[0] & 1) != 0;
+    const auto few = quint8(input[1]), size = quint8(input[2]), times = quint8(input[3]);
+    const quint32 limit = size == 0 ? ~quint32{0} : 20u + size * size;
+    const auto places = read(stream, resynchronise, limit, 1 + few * times);
     // Where damage ends the stream, it does not matter how the bytes come.
-    if (!resynchronise)
-        FUZZ_CHECK(read(input, false, limit, 4096, 0) == frames);
-    return 0;
+    FUZZ_CHECK(resynchronise || read(stream, false, limit, 4096) == places);
 }

@@ -5,51 +5,34 @@
 #include <pylon/media/motionutils.h>
 
 #include <algorithm>
-#include <vector>
 
-using namespace pylon;
+using pylon::MotionUtils;
 
-namespace {
+struct Mask {
+    char rows[MotionUtils::maskHeight][MotionUtils::maskWidth] = {};
 
-constexpr int rowLength = MotionUtils::maskWidth;
+    auto decode(const QByteArray& text) {
+        return MotionUtils::tryDecodeMask(text, std::span(rows[0], sizeof rows));
+    }
+    bool operator==(const Mask&) const = default;
+};
 
-using Mask = std::vector<char>;
-
-Mask emptyMask() {
-    return Mask(std::size_t{rowLength} * MotionUtils::maskHeight, 'x');
-}
-
-auto rowsOf(Mask& mask) {
-    return reinterpret_cast<char(*)[rowLength]>(mask.data());
-}
-
-void roundTrip(Mask& mask, int width, int height) {
-    const QByteArray text = MotionUtils::encodeMask(rowsOf(mask), width, height).toLatin1();
-    Mask back = emptyMask();
+void fuzz(const QByteArray& input) {
+    Mask mask, unchecked, back;
+    const auto width = mask.decode(input);
+    if (!input.contains('\0')) {
+        const QByteArray terminated(input.constData(), input.size());
+        FUZZ_CHECK(MotionUtils::decodeMask(terminated, unchecked.rows) == width.value_or(-1));
+        FUZZ_CHECK(!width || mask == unchecked);
+    }
+    if (width.value_or(0) < 16)
+        return;
+    const int height = 16 + static_cast<int>(input.size() % 75);
+    const QByteArray text = MotionUtils::encodeMask(mask.rows, *width, height).toLatin1();
     // The text of a uniform mask is one digit.
-    FUZZ_CHECK(MotionUtils::tryDecodeMask(text, back) == (text.size() == 1 ? 1 : width));
-    for (int row = 0; row < height; ++row) {
-        const char* const cells = rowsOf(mask)[row];
-        FUZZ_CHECK(std::equal(cells, cells + width, rowsOf(back)[row]));
-    }
+    FUZZ_CHECK(back.decode(text) == (text.size() == 1 ? 1 : *width));
+    for (int row = 0; row < height; ++row)
+        FUZZ_CHECK(std::equal(mask.rows[row], mask.rows[row] + *width, back.rows[row]));
     // A width without a letter does not read back, but must not do harm either.
-    MotionUtils::encodeMask(rowsOf(mask), 65 + width % 55, height);
-}
-
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const QByteArray text = bytesOf(data, size);
-    Mask checked = emptyMask();
-    Mask unchecked = emptyMask();
-    const auto width = MotionUtils::tryDecodeMask(text, checked);
-    if (!text.contains('\0')) {
-        const QByteArray terminated(text.constData(), text.size());
-        FUZZ_CHECK(MotionUtils::decodeMask(terminated.constData(), rowsOf(unchecked)) ==
-                   width.value_or(-1));
-        FUZZ_CHECK(!width || checked == unchecked);
-    }
-    if (width && *width >= 16)
-        roundTrip(checked, *width, 16 + static_cast<int>(size % 75));
-    return 0;
+    MotionUtils::encodeMask(mask.rows, 65 + *width % 55, height);
 }

@@ -5,12 +5,12 @@
 
 #include <pylon/platform/systeminfo.h>
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const QString text = QString::fromUtf8(bytesOf(data, size));
+void fuzz(const QByteArray& input) {
+    const QString text = QString::fromUtf8(input);
     pylon::SystemInfo info;
-    const pylon::SystemInfoFindings findings = pylon::parseSystemInfo(text, info);
-    FUZZ_CHECK(findings.processors == !info.processors.isEmpty());
-    FUZZ_CHECK(findings.memory ? text.contains("MB") : info.totalPhysicalMemory.isNull());
+    const auto [hasMemory, hasProcessors] = pylon::parseSystemInfo(text, info);
+    FUZZ_CHECK(hasProcessors == !info.processors.isEmpty());
+    FUZZ_CHECK(hasMemory ? text.contains("MB") : info.totalPhysicalMemory.isNull());
     QStringList values = info.processors;
     values << info.hostName << info.osName << info.osVersion << info.systemType << info.productId
            << info.bios << info.totalPhysicalMemory << info.availablePhysicalMemory;
@@ -18,5 +18,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         values << name << physicalAddress << ipAddress << subnetMask;
     for (const QString& value : values)
         FUZZ_CHECK(text.contains(value) && !value.contains(':') && value == value.trimmed());
-    return 0;
 }
