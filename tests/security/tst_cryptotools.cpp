@@ -203,9 +203,9 @@ private slots:
             QCOMPARE(run(x509CertificateIsSelfSigned, pem), selfSigned);
         }
         QVERIFY(!checkX509Certificate(end, root, nullptr));
-        QCOMPARE(run(loadX509Certificate, bytesOf(root), 0, PEM, nullptr), "1 lp");
-        QCOMPARE(run(loadX509Certificate, bytesOf(root), 0, DER, nullptr), "0 lL");
-        QCOMPARE(run(tryLoadX509Certificate, Bytes(bytesOf(root), root.size() - 30)), "0 pP");
+        QCOMPARE(run(loadX509Certificate, bytesOf(root), 0U, PEM, nullptr), "1 lp");
+        QCOMPARE(run(loadX509Certificate, bytesOf(root), 0U, DER, nullptr), "0 lL");
+        QCOMPARE(run(tryLoadX509Certificate, Bytes(bytesOf(root), 100)), "0 pP");
         QCOMPARE(run(RSAPublicKeyFromX509, nullptr), "0 pN");
         QCOMPARE(run(RSAPublicKeyFromX509, bytesOf(middle)), "0 pI");
         QCOMPARE(run(RSAPublicKeyFromX509i, X509Pointer(X509_new()).get()), "0 i");
@@ -227,14 +227,14 @@ private slots:
             QCOMPARE(data, QByteArray(length + 1, '\0'));
         }
         uchar data[8] = {};
-        QCOMPARE(run(cipher, data, 0, key, iv), "0 bB");
-        QCOMPARE(run(cipher, nullptr, 8, key, iv), "0 bB");
-        QCOMPARE(run(cipher, data, 8, nullptr, iv), "0 bB");
-        QCOMPARE(run(cipher, data, 8, key, nullptr), "0 bB");
-        QCOMPARE(run(cipher, data, 8, key, 0, iv), "0 bB");
+        QCOMPARE(run(cipher, data, 0U, key, iv), "0 bB");
+        QCOMPARE(run(cipher, nullptr, 8U, key, iv), "0 bB");
+        QCOMPARE(run(cipher, data, 8U, nullptr, iv), "0 bB");
+        QCOMPARE(run(cipher, data, 8U, key, nullptr), "0 bB");
+        QCOMPARE(run(cipher, data, 8U, key, 0, iv), "0 bB");
         // A published vector of the cipher.
         uchar other[] = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF};
-        QCOMPARE(run(cipher, data, 8, other, 8, bytesOf(QByteArray(8, '\x11'))), "1 b");
+        QCOMPARE(run(cipher, data, 8U, other, 8, bytesOf(QByteArray(8, '\x11'))), "1 b");
         QCOMPARE(QByteArray((char*)data, 8).toHex(), "61f9c3802281b096");
     }
 
