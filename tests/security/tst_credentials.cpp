@@ -87,13 +87,13 @@ private slots:
     }
 
     void identifiers() {
-        const QString seven = u"ABCDEF\u00E6"_qs, eight = u"ABCDEFG\u00E6"_qs;
+        const QString seven = u"ABCDEF\u00E6"_qs, marked = u"\uFEFFABCDE"_qs;
         // A text, its number, and whether it is an identifier.
         const std::tuple<QString, quint64, bool> rows[] = {
             {"5208208757389214273", 0x4847464544434241, true},
             {seven, 0xA6C3464544434241, true},
             {" +4407873 ", 0x434241, true},
-            {eight, 0xC347464544434241, false},
+            {marked, 0x4544434241BFBBEF, false},
             {"9223372036854775808", 0x3032373333323239, false},
             {"-1", 0xBFEFBDBFEFBDBFEF, false},
             {"ABC", 0x434241, false},
