@@ -1,9 +1,5 @@
-#include <pylon/data/compareipaddresses.h>
-#include <pylon/data/lyraurl.h>
-#include <pylon/data/version.h>
-#include <QtCore/QCoreApplication>
-#include <QtCore/QRegularExpression>
-#include <QtTest/QTest>
+#include <pylon/pylon.h>
+#include <QtTest/QtTest>
 
 #include <algorithm>
 #include <random>

@@ -1,7 +1,5 @@
 #include <pylon/data/xmlresponse.h>
-#include <QtCore/QStringEncoder>
-#include <QtCore/QThread>
-#include <QtTest/QTest>
+#include <QtTest/QtTest>
 
 using namespace pylon;
 

@@ -1,9 +1,5 @@
 #include <pylon/media/audioutils.h>
-#include <QtCore/QDir>
-#include <QtCore/QJsonDocument>
-#include <QtCore/QJsonObject>
-#include <QtCore/QTemporaryDir>
-#include <QtTest/QTest>
+#include <QtTest/QtTest>
 
 #include "inspectrun.h"
 #include "wireframe.h"

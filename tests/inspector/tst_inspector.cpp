@@ -1,6 +1,4 @@
-#include <QtCore/QJsonDocument>
-#include <QtCore/QTemporaryDir>
-#include <QtTest/QTest>
+#include <QtTest/QtTest>
 
 #include "inspectrun.h"
 #include "wireframe.h"

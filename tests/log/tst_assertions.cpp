@@ -1,13 +1,7 @@
 #include "../files.h"
 
-#include <pylon/log/assertions.h>
-#include <pylon/log/logconsole.h>
-#include <pylon/log/logfile.h>
-#include <pylon/log/logmanager.h>
-#include <pylon/log/qtmessagehandler.h>
-#include <QtCore/QProcess>
-#include <QtCore/QTemporaryDir>
-#include <QtTest/QTest>
+#include <pylon/pylon.h>
+#include <QtTest/QtTest>
 
 using namespace pylon::plog;
 

@@ -1,13 +1,8 @@
 #include "../files.h"
 #include "recorder.h"
 
-#include <pylon/log/logfile.h>
-#include <pylon/log/logmanager.h>
-#include <pylon/log/qtmessagehandler.h>
-#include <QtCore/QDir>
-#include <QtCore/QRegularExpression>
-#include <QtCore/QTemporaryDir>
-#include <QtTest/QTest>
+#include <pylon/pylon.h>
+#include <QtTest/QtTest>
 
 #include <thread>
 

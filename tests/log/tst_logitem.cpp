@@ -1,12 +1,7 @@
 #include "recorder.h"
 
-#include <pylon/log/logmacros.h>
-#include <pylon/log/logmanager.h>
-#include <pylon/log/qtmessagehandler.h>
-#include <QtCore/QLoggingCategory>
-#include <QtCore/QSysInfo>
-#include <QtCore/QThread>
-#include <QtTest/QTest>
+#include <pylon/pylon.h>
+#include <QtTest/QtTest>
 
 #include <cstdio>
 

@@ -1,15 +1,7 @@
 #include "recorder.h"
 
-#include <pylon/log/logconsole.h>
-#include <pylon/log/logcustom.h>
-#include <pylon/log/logfile.h>
-#include <pylon/log/logfilter.h>
-#include <pylon/log/logmacros.h>
-#include <pylon/log/logmanager.h>
-#include <QtCore/QCryptographicHash>
-#include <QtCore/QDir>
-#include <QtCore/QRegularExpression>
-#include <QtTest/QTest>
+#include <pylon/pylon.h>
+#include <QtTest/QtTest>
 
 #include <bit>
 #include <stdexcept>

@@ -1,14 +1,7 @@
 #include "../files.h"
 
-#include <pylon/log/logconsole.h>
-#include <pylon/log/logcustom.h>
-#include <pylon/log/logfile.h>
-#include <pylon/log/logmacros.h>
-#include <pylon/log/logmanager.h>
-#include <pylon/platform/osal.h>
-#include <QtCore/QProcess>
-#include <QtCore/QTemporaryDir>
-#include <QtTest/QTest>
+#include <pylon/pylon.h>
+#include <QtTest/QtTest>
 
 #include <mutex>
 #include <thread>

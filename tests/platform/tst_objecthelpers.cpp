@@ -1,12 +1,7 @@
 #include "../log/recorder.h"
 
-#include <pylon/log/logmanager.h>
-#include <pylon/platform/deferreddeletion.h>
-#include <pylon/platform/plugins.h>
-#include <pylon/platform/signalblocker.h>
-#include <QtCore/QCoreApplication>
-#include <QtCore/QPointer>
-#include <QtTest/QTest>
+#include <pylon/pylon.h>
+#include <QtTest/QtTest>
 
 #include <thread>
 

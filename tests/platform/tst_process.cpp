@@ -1,15 +1,7 @@
 #include "../files.h"
 
-#include <pylon/platform/consolereader.h>
-#include <pylon/platform/osal.h>
-#include <pylon/platform/signals.h>
-#include <pylon/platform/stacktrace.h>
-#include <pylon/platform/synchronousprocess.h>
-#include <QtCore/QDir>
-#include <QtCore/QRegularExpression>
-#include <QtCore/QTemporaryDir>
-#include <QtCore/QTemporaryFile>
-#include <QtTest/QTest>
+#include <pylon/pylon.h>
+#include <QtTest/QtTest>
 
 #include <cerrno>
 #include <csignal>

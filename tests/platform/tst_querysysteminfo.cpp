@@ -1,12 +1,7 @@
 #include "../files.h"
 
 #include <pylon/platform/querysysteminfo.h>
-#include <QtCore/QDir>
-#include <QtCore/QRegularExpression>
-#include <QtCore/QTemporaryDir>
-#include <QtCore/QTemporaryFile>
-#include <QtTest/QSignalSpy>
-#include <QtTest/QTest>
+#include <QtTest/QtTest>
 
 using namespace pylon;
 

@@ -1,6 +1,4 @@
-#include <pylon/security/credentials.h>
-#include <pylon/security/randomgenerator.h>
-#include <pylon/security/serveruid.h>
+#include <pylon/pylon.h>
 #include <QtTest/QTest>
 
 using namespace pylon;

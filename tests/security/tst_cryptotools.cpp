@@ -1,12 +1,7 @@
 #include "../log/recorder.h"
 
-#include <pylon/log/logmanager.h>
-#include <pylon/security/lockedkey.h>
-#include <pylon/security/opensslpointers.h>
-#include <pylon/security/symmetrickey.h>
-#include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
-#include <QtTest/QTest>
+#include <pylon/pylon.h>
+#include <QtTest/QtTest>
 
 #include <openssl/err.h>
 #include <openssl/pem.h>
