@@ -21,6 +21,10 @@ struct Suffix : LogTagHook {
     const char* text;
 };
 
+// Before there is an application, which knows the main thread.
+const QByteArray earlyLine =
+    LogItem(Info, Gui, 256, "Gui", "f", "f", nullptr, {}, "early").toCString();
+
 }  // namespace
 
 /// What items look like, and how calls of the macros and messages of Qt become such.
@@ -65,6 +69,7 @@ private slots:
             {"START", "Gui", "fäääääääääääääääääääääääää", "cöööööööööööööö", "ü"},
             {"GRAPH", "Test", "f", "", "message"},
             {"BADLEVEL", "Gui", "f", "", "message"}};
+        QVERIFY(earlyLine.contains("[T:0000]") && earlyLine.endsWith(": early"));
         unsigned level = 1;
         for (const auto& [levelText, module, function, context, message] : rows) {
             const bool isTest = module == "Test";

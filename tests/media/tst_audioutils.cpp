@@ -118,7 +118,9 @@ private slots:
             frame.setTime(7);
             QCOMPARE(result.time() == 7, flags == newFlags);  // then it is the same frame
         }
-        Image picture = audioFrame(3, "data");
+        Image nothing, picture = audioFrame(3, "data");
+        nothing.setType('a');
+        QVERIFY(AudioUtils::decode(nothing).isNull());
         picture.setType('V');
         for (const Image& frame : {AudioUtils::decode(picture), AudioUtils::decode(1, picture),
                                    AudioUtils::encode(1, picture)})
