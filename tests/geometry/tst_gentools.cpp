@@ -33,8 +33,10 @@ private slots:
 
     void cells() {
         const QRectF rect(10, 20, 100, 50);
-        QCOMPARE(GenTools::split(rect, 2, 1), (QList<QRectF>{{0, 0, 50, 50}, {50, 0, 50, 50}}));
-        QCOMPARE(GenTools::split(rect, 1, 2), (QList<QRectF>{{0, 0, 100, 25}, {0, 25, 100, 25}}));
+        using List = QList<QRectF>;
+        QCOMPARE(GenTools::split(rect, 1, 2), (List{{0, 0, 100, 25}, {0, 25, 100, 25}}));
+        QCOMPARE(GenTools::split(rect, 2, 2),
+                 (List{{0, 0, 50, 25}, {50, 0, 50, 25}, {0, 25, 50, 25}, {50, 25, 50, 25}}));
         for (const unsigned int rows : {0u, 1u, ~0u})  // none, or more than there is memory for
             QVERIFY(GenTools::split(rect, ~0u, rows).isEmpty());
     }
