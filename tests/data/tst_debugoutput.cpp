@@ -29,7 +29,8 @@ private slots:
             {text(LyraUrl("[::1]:80")), "LyraUrl([::1]:80)."},
             {text(NDCRect{-1, 0.5, 2, 3}), "NDCRect(left -1, top 0.5, right 2, bottom 3)."},
             {text(XmlResponseNode()), "XmlResponseNode(invalid)."},
-            {text(XmlResponse("<a><b/></a>", "").get("")), R"(XmlResponseNode("a", 1 children).)"},
+            {text(XmlResponse("<a><b/></a>", "/p")),
+             R"(XmlResponse(XmlResponseNode("a", 1 children), prefix "/p").)"},
             {text(XmlResponseError{2, 3, "why"}), "XmlResponseError(2:3 why)."}};
         for (const auto& [actual, expected] : rows)
             QCOMPARE(actual, expected);

@@ -42,6 +42,7 @@ private slots:
             {"/R/V[4294967296]", "0 null"},
             {"/R/V[1][4]", "1 false"},
             {"/R/V[4", "1 true"},
+            {"/R/[V", "8 true"},
             {"/R/[]", "0 null"},
             {"/R//V", "0 null"},
             {"/R/Syste", "0 null"},
